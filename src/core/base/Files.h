@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <cstdint>
+
+#include "core/base/Result.h"
+
+namespace ambrel {
+
+// Free and total bytes of a volume; both 0 when they cannot be read.
+struct VolumeSpace {
+  std::uint64_t free = 0;
+  std::uint64_t total = 0;
+};
+
+// The few operations that must survive a full disk, a pulled drive or a crash. This is the only place that
+// replaces, moves or copies a file which the operator cares about. Paths are absolute and kept byte for byte
+// as QFile::encodeName writes them. Every failing step, flush and folder flush included, is a failure, and a
+// failure leaves what was there before. Safe to call from any thread; no call may run on the main thread
+// where it flushes.
+class Files {
+ public:
+  virtual ~Files() = default;
+
+  // Replaces `path` with `bytes`: temporary file in the same folder, flushed, renamed over, folder flushed.
+  virtual Result<void> replaceWhole(const QString& path, const QByteArray& bytes) = 0;
+  // The same without either flush: a killed process leaves the old file or the new one, whole. The caller has
+  // `flush` called afterwards, away from the main thread.
+  virtual Result<void> replaceWholeUnflushed(const QString& path, const QByteArray& bytes) = 0;
+  // Flushes a file and the folder that names it.
+  virtual Result<void> flush(const QString& path) = 0;
+
+  // Gives a file or folder a new name on its own volume. Never overwrites, on any file system: an existing
+  // `to` is Taken, and the source stays. Across volumes it is Failed; the caller decides whether to copy.
+  enum class MoveOutcome { Moved, Taken, Failed };
+  struct MoveResult {
+    MoveOutcome outcome;
+    QString message = {};  // the system's own description unless Moved
+  };
+  virtual MoveResult moveWithoutOverwriting(const QString& from, const QString& to) = 0;
+
+  // Copies every byte to a temporary name beside `to`, flushes, compares sizes, then moves without
+  // overwriting.
+  virtual Result<void> copyWhole(const QString& from, const QString& to) = 0;
+  virtual Result<void> remove(const QString& path) = 0;
+
+  virtual VolumeSpace volumeSpace(const QString& path) = 0;
+};
+
+}  // namespace ambrel

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+#include <QStringList>
+#include <QVariantList>
+#include <memory>
+#include <optional>
+
+class QSettings;
+
+namespace ambrel {
+
+// The settings kept between launches. An absent key, or one whose stored value has the wrong type, reads as
+// nullopt. Main thread only.
+class Preferences {
+ public:
+  // `file` is the absolute path of the INI file. A file that cannot be parsed is kept aside under another
+  // name.
+  explicit Preferences(const QString& file);
+  ~Preferences();
+
+  std::optional<QString> lastCSVPath() const;
+  void setLastCSVPath(const QString& path);
+  std::optional<QString> lastTargetDir() const;
+  void setLastTargetDir(const QString& path);
+  std::optional<qint64> lastSelectedRowIndex() const;
+  void setLastSelectedRowIndex(qint64 row);
+  std::optional<qint64> lastCounterValue() const;
+  void setLastCounterValue(qint64 value);
+  std::optional<bool> autoConnect() const;
+  void setAutoConnect(bool on);
+  std::optional<QString> backupDir() const;
+  void setBackupDir(const QString& path);
+  std::optional<bool> backupEnabled() const;
+  void setBackupEnabled(bool on);
+  std::optional<QString> backupShareURL() const;
+  void setBackupShareURL(const std::optional<QString>& url);
+  std::optional<QString> backupMAC() const;
+  void setBackupMAC(const std::optional<QString>& address);
+  std::optional<QString> backupHost() const;
+  void setBackupHost(const QString& host);
+  std::optional<QDateTime> lastUpdateCheck() const;
+  void setLastUpdateCheck(const QDateTime& time);
+  // Maps with the keys "label", "suffix", "on".
+  std::optional<QVariantList> suffixes() const;
+  void setSuffixes(const QVariantList& suffixes);
+
+  // The four keys that the workflow reset forgets: list file, target folder, row, counter.
+  void removeWorkflowKeys();
+  void synchronize();
+
+ private:
+  std::unique_ptr<QSettings> _settings;
+};
+
+}  // namespace ambrel
