@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QObject>
+#include <QSet>
+#include <QString>
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "core/base/Files.h"
+
+class QThread;
+
+namespace ambrel {
+
+// What filing asks of the rest of the application, always on the main thread and at the moment of need.
+struct FilingDesk {
+  std::function<QString()> targetDir;
+  std::function<std::optional<std::string>()> selectedQueueItemName;  // as it stands in the list, or none
+  std::function<QString()> enabledSuffixString;
+  std::function<qint64()> captureRow;  // model row that the photo is counted on, -1 for none
+  std::function<qint64()> counter;
+  std::function<void(qint64 used)> advanceCounterPast;
+};
+
+// Files downloaded photos, one at a time and in the order of their arrival, on a thread of its own: checks
+// the download, takes the next free number and moves the photo into the folder of the selected name.
+class PhotoFiler : public QObject {
+  Q_OBJECT
+ public:
+  PhotoFiler(Files& files, FilingDesk desk);
+  ~PhotoFiler() override;
+
+  // Queues a download for filing. A path that is queued already is ignored.
+  void handleDownloadedPath(const QString& path);
+  // Files what is queued, for at most `limit`; whether nothing was left. For use when quitting: the main
+  // thread goes on serving the filing thread meanwhile.
+  bool finishQueued(std::chrono::milliseconds limit);
+  // Stays false: filing does not hold the status line's readiness text back.
+  bool isRenaming() const { return _renaming; }
+
+ Q_SIGNALS:
+  // On the main thread. `row` is the model row that the photo belongs to, or -1.
+  void filed(const QString& path, qint64 row);
+  void failed(const QString& message);
+
+ private:
+  class Job;
+  Files& _files;
+  FilingDesk _desk;
+  std::atomic<bool> _renaming{false};
+};
+
+}  // namespace ambrel

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QString>
+#include <cstdint>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace ambrel {
+
+// One person: cell 0 name, 1 note, 2 captured count as decimal digits, 3 segment marker "1" or empty. Cells
+// are UTF-8 and may be missing; readers give the default of a missing cell.
+using Row = std::vector<std::string>;
+
+enum class Cell : std::size_t { Name = 0, Note = 1, Captured = 2, Marker = 3 };
+
+// The list of people in list order. Rows are addressed by model row; a row out of range reads as the default
+// and is never written. Main thread only.
+class NameGrid {
+ public:
+  std::int64_t rowCount() const { return static_cast<std::int64_t>(_rows.size()); }
+  bool isEmpty() const { return _rows.empty(); }
+  bool contains(std::int64_t modelRow) const { return modelRow >= 0 && modelRow < rowCount(); }
+  const std::vector<Row>& rows() const { return _rows; }
+
+  // The stored bytes, empty when the row or the cell is missing.
+  const std::string& bytes(std::int64_t modelRow, Cell cell) const;
+  // The same as text; bytes that are not valid UTF-8 read as empty text.
+  QString text(std::int64_t modelRow, Cell cell) const;
+  // Fills the row with empty cells up to the one written.
+  void setBytes(std::int64_t modelRow, Cell cell, std::string value);
+
+  std::int64_t capturedForModelRow(std::int64_t modelRow) const;
+  void setCaptured(std::int64_t count, std::int64_t modelRow);  // a negative count is stored as 0
+  bool markerForModelRow(std::int64_t modelRow) const;
+  void setMarker(bool marked, std::int64_t modelRow);
+
+  // Lower-cased names (Unicode) that two or more rows share; empty names do not count.
+  std::set<QString> duplicateNameSet() const;
+
+  void append(Row row) { _rows.push_back(std::move(row)); }
+  void insert(std::int64_t position, Row row);  // position clamped to 0..rowCount
+  void remove(std::int64_t modelRow);
+  void replaceAll(std::vector<Row> rows) { _rows = std::move(rows); }
+  void clear() { _rows.clear(); }
+
+ private:
+  std::vector<Row> _rows;
+};
+
+}  // namespace ambrel

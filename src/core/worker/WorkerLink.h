@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QByteArray>
+#include <QObject>
+#include <QProcessEnvironment>
+#include <QString>
+#include <QStringList>
+
+#include "core/base/Result.h"
+
+namespace ambrel {
+
+// What a camera worker is started with.
+struct WorkerLaunch {
+  QString program;
+  QStringList arguments;
+  QString workingDirectory;
+  QProcessEnvironment environment;
+};
+
+// The byte channel to one camera worker process: its standard input, and its standard output and error as one
+// stream. Order of use: start; then send, and blockArrived any number of times; then exactly one exited per
+// successful start, also after drop, terminate or kill.
+class WorkerLink : public QObject {
+  Q_OBJECT
+ public:
+  using QObject::QObject;
+
+  // Starts a worker. The one that was current before is no longer current (see drop). Fails with the reason.
+  virtual Result<void> start(const WorkerLaunch& launch) = 0;
+  // Whether the current worker runs.
+  virtual bool isRunning() const = 0;
+  // Process id of the current worker, 0 when there is none.
+  virtual qint64 processId() const = 0;
+
+  // Sends one line (given without its line feed) in one write. False when the pipe is broken.
+  virtual bool sendLine(const QByteArray& line) = 0;
+  virtual void terminate() = 0;
+  // Forgets the current worker without ending it: nothing more is sent to it or heard from it but its exit.
+  virtual void drop() = 0;
+
+ Q_SIGNALS:
+  // A block of output of the current worker: one whole line with its line feed.
+  void blockArrived(const QByteArray& block);
+  // A worker ended, for whatever reason. `wasCurrent` is false when it had been dropped or replaced.
+  void exited(bool wasCurrent);
+};
+
+}  // namespace ambrel
