@@ -94,6 +94,7 @@ class AmbrelAppDelegate : public QObject {
   FilingDesk filingDesk();
   ConnectionSurroundings connectionSurroundings();
   Readiness readiness() const;
+  QString watchedPath() const;
 
   Clock& _clock;
   Operator& _operator;
@@ -101,6 +102,7 @@ class AmbrelAppDelegate : public QObject {
   Surroundings _surroundings;
   QString _displayVersion;
   SingleInstanceLock _instanceLock;
+  WorkerLink& _link;
 
   Preferences _preferences;
   StatusLine _statusLine;
