@@ -10,7 +10,8 @@
 
 namespace ambrel::ui {
 
-// A rounded push button in one colour that lightens on hover, with a raised shadow, and darkens while pressed.
+// A rounded push button in one colour that lightens on hover, with a raised shadow, and darkens while
+// pressed.
 class AmbrelButton : public QAbstractButton, public ShadowCaster {
   Q_OBJECT
  public:

@@ -87,8 +87,8 @@ void AmbrelDropZone::paintEvent(QPaintEvent*) {
   QTextDocument text;
   text.setDefaultFont(systemFont(13));
   text.setDocumentMargin(0);
-  text.setHtml(invitation(_textColor.isValid() ? _textColor : Palette::secondaryLabelColor(), onDropPaths != nullptr,
-                          _pasteHint));
+  text.setHtml(invitation(_textColor.isValid() ? _textColor : Palette::secondaryLabelColor(),
+                          onDropPaths != nullptr, _pasteHint));
   text.setTextWidth(inner.width());
   painter.translate(inner.left(), inner.center().y() - text.size().height() / 2);
   text.drawContents(&painter);

@@ -81,7 +81,8 @@ QColor Palette::white(double level) {
 
 QColor blended(const QColor& color, double fraction, const QColor& other) {
   const auto mix = [fraction](float from, float to) {
-    return static_cast<float>(static_cast<double>(from) * (1 - fraction) + static_cast<double>(to) * fraction);
+    return static_cast<float>(static_cast<double>(from) * (1 - fraction) +
+                              static_cast<double>(to) * fraction);
   };
   return QColor::fromRgbF(mix(color.redF(), other.redF()), mix(color.greenF(), other.greenF()),
                           mix(color.blueF(), other.blueF()), mix(color.alphaF(), other.alphaF()));

@@ -30,7 +30,8 @@ QRegion visibleShadowRegion(const QRect& place, double cornerRadius) {
          place.adjusted(corner, 0, -corner, 0) - place.adjusted(0, corner, 0, -corner);
 }
 
-void paintCasterShadow(QPainter& painter, const ShadowCaster& caster, const QRect& place, const QRect& dirty) {
+void paintCasterShadow(QPainter& painter, const ShadowCaster& caster, const QRect& place,
+                       const QRect& dirty) {
   const QRegion visible = visibleShadowRegion(place, caster.cornerRadius()) & dirty;
   if (visible.isEmpty()) return;
   painter.save();
@@ -66,8 +67,7 @@ void paintShadow(QPainter& painter, const QRectF& shape, double cornerRadius, co
     const double layer = (wanted - laidDown) / (1 - laidDown);
     laidDown = wanted;
     const double radius = std::max(0.0, cornerRadius + distance);
-    const QRectF ring =
-        shape.translated(shadow.offset).adjusted(-distance, -distance, distance, distance);
+    const QRectF ring = shape.translated(shadow.offset).adjusted(-distance, -distance, distance, distance);
     if (ring.isEmpty()) break;
     painter.setBrush(QColor::fromRgbF(0, 0, 0, static_cast<float>(layer)));
     painter.drawRoundedRect(ring, radius, radius);

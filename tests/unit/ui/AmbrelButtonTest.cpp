@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ui/AmbrelButton.h"
-
 #include <QEnterEvent>
 #include <QSignalSpy>
 #include <QTest>
 #include <gtest/gtest.h>
 
+#include "ui/AmbrelButton.h"
 #include "ui/Palette.h"
 
 namespace ambrel::ui {

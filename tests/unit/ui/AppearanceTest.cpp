@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ui/Appearance.h"
-
 #include <QApplication>
 #include <QStyle>
 #include <gtest/gtest.h>
+
+#include "ui/Appearance.h"
 
 namespace ambrel::ui {
 namespace {

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ui/ButtonLook.h"
-
 #include <gtest/gtest.h>
 
+#include "ui/ButtonLook.h"
 #include "ui/Palette.h"
 
 namespace ambrel::ui {

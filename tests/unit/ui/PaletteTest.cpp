@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ui/Palette.h"
-
 #include <gtest/gtest.h>
+
+#include "ui/Palette.h"
 
 namespace ambrel::ui {
 namespace {

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ui/Surface.h"
-
 #include <QImage>
 #include <gtest/gtest.h>
 
 #include "ui/Palette.h"
+#include "ui/Surface.h"
 
 namespace ambrel::ui {
 namespace {

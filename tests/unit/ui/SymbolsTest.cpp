@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ui/Symbols.h"
-
 #include <QImage>
 #include <gtest/gtest.h>
+
+#include "ui/Symbols.h"
 
 namespace ambrel::ui {
 namespace {

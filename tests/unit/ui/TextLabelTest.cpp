@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ui/TextLabel.h"
-
 #include <gtest/gtest.h>
 
 #include "ui/Appearance.h"
+#include "ui/TextLabel.h"
 
 namespace ambrel::ui {
 namespace {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ui/WindowLayout.h"
-
 #include <gtest/gtest.h>
+
+#include "ui/WindowLayout.h"
 
 namespace ambrel::ui::layout {
 namespace {
@@ -23,7 +23,8 @@ struct Placed {
 
 void expectPlaces(std::initializer_list<Placed> table) {
   for (const Placed& row : table)
-    EXPECT_TRUE(row.shown == row.wanted) << row.what << ": " << inWords(row.shown) << " instead of " << inWords(row.wanted);
+    EXPECT_TRUE(row.shown == row.wanted)
+        << row.what << ": " << inWords(row.shown) << " instead of " << inWords(row.wanted);
 }
 
 TEST(WindowLayout, TurnsHeightsOverInOnePlace) {
