@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <atomic>
-#include <gtest/gtest.h>
-#include <latch>
-
 #include "core/base/WriteBehind.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <latch>
 
 namespace ambrel {
 namespace {
