@@ -32,6 +32,7 @@ void NameGrid::setBytes(std::int64_t modelRow, Cell cell, std::string value) {
   const auto index = static_cast<std::size_t>(cell);
   if (row.size() <= index) row.resize(index + 1);
   row[index] = std::move(value);
+  if (cell == Cell::Name) ++_namesRevision;
 }
 
 std::int64_t NameGrid::capturedForModelRow(std::int64_t modelRow) const {
@@ -65,12 +66,25 @@ std::set<QString> NameGrid::duplicateNameSet() const {
   return duplicates;
 }
 
+void NameGrid::append(Row row) {
+  _rows.push_back(std::move(row));
+  ++_namesRevision;
+}
+
 void NameGrid::insert(std::int64_t position, Row row) {
   _rows.insert(_rows.begin() + std::clamp<std::int64_t>(position, 0, rowCount()), std::move(row));
+  ++_namesRevision;
 }
 
 void NameGrid::remove(std::int64_t modelRow) {
-  if (contains(modelRow)) _rows.erase(_rows.begin() + modelRow);
+  if (!contains(modelRow)) return;
+  _rows.erase(_rows.begin() + modelRow);
+  ++_namesRevision;
+}
+
+void NameGrid::replaceAll(std::vector<Row> rows) {
+  _rows = std::move(rows);
+  ++_namesRevision;
 }
 
 }  // namespace ambrel

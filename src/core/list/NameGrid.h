@@ -38,15 +38,18 @@ class NameGrid {
 
   // Lower-cased names (Unicode) that two or more rows share; empty names do not count.
   std::set<QString> duplicateNameSet() const;
+  // Another number after every change that can alter what duplicateNameSet() gives.
+  std::uint64_t namesRevision() const { return _namesRevision; }
 
-  void append(Row row) { _rows.push_back(std::move(row)); }
+  void append(Row row);
   void insert(std::int64_t position, Row row);  // position clamped to 0..rowCount
   void remove(std::int64_t modelRow);
-  void replaceAll(std::vector<Row> rows) { _rows = std::move(rows); }
-  void clear() { _rows.clear(); }
+  void replaceAll(std::vector<Row> rows);
+  void clear() { replaceAll({}); }
 
  private:
   std::vector<Row> _rows;
+  std::uint64_t _namesRevision = 0;
 };
 
 }  // namespace ambrel
