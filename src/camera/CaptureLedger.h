@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "camera/Camera.h"
+
+namespace ambrel::camera {
+
+// Accounts for every exposure of a session: which files were announced, which a look at the card has shown,
+// and which belong to one press of the shutter. A photo counts once, whichever way it was found.
+class CaptureLedger {
+ public:
+  struct Sighting {
+    bool newFile = false;      // false: the photo was already met on the card
+    bool newExposure = false;  // the first file of a press of the shutter
+  };
+
+  // The camera announced a file. It announces each one once; the same name again is another photo.
+  Sighting announced(const CameraFile& file);
+  // The exposure that the last file belongs to is over.
+  void captureComplete() { _exposures.erase(kInHostMemory); }
+
+  // What is on the card now was taken before and is nobody's business.
+  void startFrom(const std::vector<CameraFile>& listing);
+  // The photos of a listing that are new and that nothing announced, in the listing's order. They count as
+  // met from then on.
+  std::vector<CameraFile> unannounced(const std::vector<CameraFile>& listing);
+  // Another card: its photos may bear the names of those met before.
+  void forgetCard();
+
+ private:
+  struct Exposure {
+    bool hasRaw = false;
+    bool hasFinished = false;
+  };
+  static constexpr const char* kInHostMemory = "";
+  bool beginsExposure(const CameraFile& file);
+
+  std::set<std::string> _known;
+  std::set<std::string> _metOnCard;
+  std::map<std::string, Exposure> _exposures;  // by folder and name without extension, or kInHostMemory
+};
+
+}  // namespace ambrel::camera

@@ -1,0 +1,320 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "camera/CommandLoop.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+#include "camera/PhotoFormat.h"
+
+namespace ambrel::camera {
+
+using protocol::Command;
+using protocol::Message;
+using std::chrono::milliseconds;
+
+// Hands a photo's bytes on and lets commands be obeyed between them.
+class CommandLoop::Fetch : public PhotoSink {
+ public:
+  Fetch(CommandLoop& loop, PhotoSink& part) : _loop(loop), _part(part) {}
+
+  bool write(std::span<const unsigned char> bytes) override {
+    _loop.takeCommandsDuringTransfer();
+    const bool patient = !_loop._ending || _loop._lines.now() - _loop._endingSince < kLastTransferPatience;
+    return patient && _part.write(bytes);
+  }
+
+ private:
+  CommandLoop& _loop;
+  PhotoSink& _part;
+};
+
+CommandLoop::CommandLoop(Camera& camera, DownloadFolder& folder, LineSource& lines, MessageSink& sink,
+                         SaveMode saveMode)
+    : _camera(camera), _folder(folder), _lines(lines), _sink(sink), _saveMode(saveMode) {}
+
+void CommandLoop::run() {
+  say(Message::Kind::Ready);
+  while (!_ending) {
+    const bool busy = _state != State::NoCamera && pollCamera();
+    if (_state == State::Watching) lookAtCardWhenDue();
+    const milliseconds pause = _state == State::NoCamera   ? kNoCameraPause
+                               : _state == State::Watching ? kWatchingPause
+                                                           : kIdlePause;
+    takeCommands(busy ? milliseconds(0) : pause);
+  }
+  _camera.close();
+}
+
+// ---- Commands
+
+void CommandLoop::takeCommands(milliseconds wait) {
+  while (!_ending && !_waiting.empty()) {
+    const Command command = _waiting.front();
+    _waiting.pop_front();
+    obey(command);
+    wait = milliseconds(0);
+  }
+  while (!_ending && takeLine(wait)) wait = milliseconds(0);
+}
+
+bool CommandLoop::takeLine(milliseconds wait) {
+  const LineSource::Next next = _lines.next(wait);
+  if (next.kind == LineSource::Kind::Nothing) return false;
+  if (next.kind == LineSource::Kind::End) {
+    obey({Command::Kind::Quit});
+  } else if (const std::optional<Command> command = protocol::parseCommand(next.line)) {
+    obey(*command);
+  } else {
+    log("unknown command ignored");
+  }
+  return true;
+}
+
+// Whatever needs the camera waits for the end of the transfer, and everything behind it waits too.
+void CommandLoop::takeCommandsDuringTransfer() {
+  while (!_ending) {
+    const LineSource::Next next = _lines.next(milliseconds(0));
+    if (next.kind == LineSource::Kind::Nothing) return;
+    const std::optional<Command> command = next.kind == LineSource::Kind::End
+                                               ? Command{Command::Kind::Quit}
+                                               : protocol::parseCommand(next.line);
+    if (!command) continue;
+    const bool needsCamera = command->kind != Command::Kind::Quit &&
+                             command->kind != Command::Kind::PumpIdle &&
+                             command->kind != Command::Kind::SetDownloadDir;
+    if (needsCamera || (!_waiting.empty() && command->kind != Command::Kind::Quit)) {
+      _waiting.push_back(*command);
+    } else {
+      obey(*command);
+    }
+  }
+}
+
+void CommandLoop::obey(const Command& command) {
+  switch (command.kind) {
+    case Command::Kind::Connect:
+      return connect(command.payload);
+    case Command::Kind::Disconnect:
+      return disconnect();
+    case Command::Kind::PumpActive:
+      return startWatching();
+    case Command::Kind::PumpIdle:
+      return stopWatching();
+    case Command::Kind::SetDownloadDir:
+      return setDownloadDir(command.payload);
+    case Command::Kind::SetSaveDest:
+      return setSaveDest(command.payload);
+    case Command::Kind::Quit:
+      _ending = true;
+      _endingSince = _lines.now();
+      return;
+  }
+}
+
+void CommandLoop::connect(const std::string& modeWord) {
+  _camera.close();
+  _state = State::NoCamera;
+  _saveMode = protocol::saveModeFromWord(modeWord).value_or(_saveMode);
+  _ledger = {};
+  if (const Outcome<> opened = openCamera(_saveMode); !opened) {
+    const Failure& failure = opened.failure();
+    const bool inUse = failure.kind == Failure::Kind::InUse || failure.kind == Failure::Kind::Busy;
+    // Both are texts that the application knows and answers by trying again.
+    const std::string what = inUse ? "camera busy (0x000000C0)" : "camera not detected";
+    _camera.close();
+    say(Message::Kind::Error, what + ": " + failure.reason);
+    return;
+  }
+  _state = State::Idle;
+  say(Message::Kind::Status, "connected");
+  say(Message::Kind::Connected);
+}
+
+Outcome<> CommandLoop::openCamera(SaveMode mode) {
+  say(Message::Kind::Status, "waiting for camera usb");
+  const Outcome<std::string> found = _camera.find();
+  if (!found) return found.failure();
+  log("found " + found.value());
+  say(Message::Kind::Status, "connecting to camera");
+  say(Message::Kind::Status, "opening camera session");
+  if (Outcome<> opened = _camera.open(mode); !opened) return opened;
+  say(Message::Kind::Status, "setting save destination");
+  if (Outcome<> confirmed = _camera.confirmSaveMode(mode); !confirmed) return confirmed;
+  return warnIfCardIsMissing();
+}
+
+Outcome<> CommandLoop::warnIfCardIsMissing() {
+  if (!usesCard()) return Done{};
+  say(Message::Kind::Status, "checking camera memory card");
+  const Outcome<bool> card = _camera.hasCard();
+  if (!card) return card.failure();
+  if (!card.value()) say(Message::Kind::WarnCardMissing);
+  return Done{};
+}
+
+void CommandLoop::disconnect() {
+  const bool wasConnected = _state != State::NoCamera;
+  _camera.close();
+  _state = State::NoCamera;
+  // Said of a camera that never was, it would alarm the operator.
+  if (wasConnected) say(Message::Kind::Disconnected);
+}
+
+void CommandLoop::startWatching() {
+  if (_state == State::NoCamera) return log("not watching: no camera");
+  if (_state == State::Idle) {
+    // What was taken until now is not to be downloaded, neither through its event nor through the card.
+    while (_state == State::Idle && pollCamera()) {
+    }
+    if (_state == State::NoCamera) return;
+    if (_saveMode == SaveMode::Both) {
+      const Outcome<std::vector<CameraFile>> listing = _camera.newestCardFolder();
+      if (!listing) return cameraFailed(listing.failure());
+      _ledger.startFrom(listing.value());
+      noteCardRoom();
+      if (_state == State::NoCamera) return;
+    }
+    _state = State::Watching;
+    _lastSign = _lines.now();
+    _lookAt.reset();
+  }
+  say(Message::Kind::PumpActiveReady);
+}
+
+void CommandLoop::stopWatching() {
+  if (_state == State::Watching) _state = State::Idle;
+  say(Message::Kind::PumpIdleReady);
+}
+
+void CommandLoop::setSaveDest(const std::string& modeWord) {
+  const std::optional<SaveMode> mode = protocol::saveModeFromWord(modeWord);
+  if (!mode) return log("unknown save mode ignored");
+  _saveMode = *mode;
+  if (_state == State::NoCamera) return;
+  say(Message::Kind::Status, "setting save destination");
+  Outcome<> done = _camera.confirmSaveMode(*mode);
+  if (done) done = warnIfCardIsMissing();
+  if (!done) cameraFailed(done.failure());
+}
+
+void CommandLoop::setDownloadDir(const std::string& path) {
+  if (path.empty() || path.front() != '/') return log("download folder ignored: no absolute path");
+  _folder.use(path);
+}
+
+// ---- Events
+
+// True when the camera had something to tell, and may have more.
+bool CommandLoop::pollCamera() {
+  const Outcome<CameraEvent> event = _camera.waitForEvent();
+  if (!event) {
+    cameraFailed(event.failure());
+    return false;
+  }
+  if (event.value().kind == CameraEvent::Kind::Nothing) return false;
+  _lastSign = _lines.now();
+  handle(event.value());
+  return true;
+}
+
+void CommandLoop::handle(const CameraEvent& event) {
+  switch (event.kind) {
+    case CameraEvent::Kind::FileAdded:
+      _lookAt.reset();
+      if (isPhotoName(event.file.name)) return fileAdded(event.file);
+      return log("no photo, left on the card: " + safeName(event.file.name));
+    case CameraEvent::Kind::CaptureComplete:
+      _ledger.captureComplete();
+      if (_state == State::Watching) _lookAt = _lines.now() + kAnnouncementDelay;
+      return;
+    case CameraEvent::Kind::CardChanged:
+      _ledger.forgetCard();
+      return;
+    case CameraEvent::Kind::Nothing:
+    case CameraEvent::Kind::Other:
+      return;
+  }
+}
+
+void CommandLoop::fileAdded(const CameraFile& file) {
+  const CaptureLedger::Sighting sighting = _ledger.announced(file);
+  if (!sighting.newFile) return;
+  if (sighting.newExposure) say(Message::Kind::CaptureEvent);
+  if (_state == State::Watching) {
+    fetch(file);
+  } else if (sighting.newExposure) {
+    say(Message::Kind::WarnCaptureIgnored);
+  }
+}
+
+// In mode "card" a photo stays where it is; but one that no card took, because there is none, exists only here.
+void CommandLoop::fetch(const CameraFile& file) {
+  if (_saveMode == SaveMode::Card && !file.inHostMemory()) return;
+  const Outcome<std::string> path = download(file);
+  if (path) {
+    say(Message::Kind::Downloaded, path.value());
+  } else {
+    downloadFailed(file, path.failure());
+  }
+}
+
+Outcome<std::string> CommandLoop::download(const CameraFile& file) {
+  Outcome<std::unique_ptr<PartFile>> part = _folder.begin(file);
+  if (!part) return part.failure();
+  Fetch sink(*this, *part.value());
+  Outcome<> fetched = _camera.download(file, sink);
+  const Time begun = _lines.now();
+  while (!fetched && fetched.failure().kind == Failure::Kind::Busy && !_ending &&
+         _lines.now() - begun < kBusyPatience) {
+    takeCommands(kBusyPause);
+    if (_state == State::NoCamera) break;
+    if (Outcome<> emptied = part.value()->restart(); !emptied) return emptied.failure();
+    fetched = _camera.download(file, sink);
+  }
+  if (!fetched) return fetched.failure();
+  return part.value()->finish(file);
+}
+
+void CommandLoop::downloadFailed(const CameraFile& file, const Failure& failure) {
+  const char* where = file.inHostMemory() ? "the photo is lost, the camera kept no copy"
+                                          : "the photo stays on the camera's card";
+  say(Message::Kind::Error,
+      "download failed: " + safeName(file.name) + ": " + failure.reason + "; " + where);
+  if (failure.kind == Failure::Kind::Lost || failure.kind == Failure::Kind::NotFound) lost(failure.reason);
+}
+
+// ---- Photos that no event announced
+
+void CommandLoop::noteCardRoom() {
+  const Outcome<std::uint64_t> room = _camera.cardFreeKib();
+  if (!room) return cameraFailed(room.failure());
+  _cardRoom = room.value();
+}
+
+void CommandLoop::lookAtCardWhenDue() {
+  
+}
+
+void CommandLoop::lookAtCard() {}
+
+// ---- Failures
+
+void CommandLoop::cameraFailed(const Failure& failure) {
+  if (failure.kind == Failure::Kind::Busy) return log("camera busy: " + failure.reason);
+  lost(failure.reason);
+}
+
+void CommandLoop::lost(const std::string& reason) {
+  if (_state == State::NoCamera) return;
+  log("camera lost: " + reason);
+  _camera.close();
+  _state = State::NoCamera;
+  say(Message::Kind::Disconnected);
+}
+
+void CommandLoop::say(Message::Kind kind, const std::string& payload) {
+  _sink.say({kind, payload});
+}
+
+}  // namespace ambrel::camera

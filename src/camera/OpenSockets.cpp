@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "camera/OpenSockets.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace ambrel::camera {
+
+std::set<int> openInternetSockets() {
+  std::set<int> sockets;
+  std::error_code error;
+  for (std::filesystem::directory_iterator entry("/dev/fd", error), end; !error && entry != end;
+       entry.increment(error)) {
+    const int fd = std::atoi(entry->path().filename().c_str());
+    sockaddr_storage address = {};
+    socklen_t length = sizeof address;
+    if (getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length) != 0) continue;
+    if (address.ss_family == AF_INET || address.ss_family == AF_INET6) sockets.insert(fd);
+  }
+  return sockets;
+}
+
+void closeInternetSocketsBut(const std::set<int>& kept) {
+  for (const int fd : openInternetSockets()) {
+    if (kept.count(fd) == 0) close(fd);
+  }
+}
+
+}  // namespace ambrel::camera

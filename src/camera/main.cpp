@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <csignal>
+#include <cstdlib>
+#include <gphoto2/gphoto2-version.h>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+#include "camera/CommandLoop.h"
+#include "camera/DownloadFolder.h"
+#include "camera/GphotoCamera.h"
+#include "camera/LineInput.h"
+#include "camera/LineOutput.h"
+#include "camera/PrivateHome.h"
+#include "camera/StrayOutput.h"
+#include "camera/Watchdog.h"
+
+namespace {
+
+using namespace ambrel::camera;
+using ambrel::protocol::Message;
+
+constexpr int kExitUsage = 2;
+constexpr int kExitHung = 3;
+constexpr std::chrono::milliseconds kLastWordPatience{500};
+
+std::string environment(const char* name) {
+  const char* value = std::getenv(name);
+  return value != nullptr ? value : "";
+}
+
+// A request to end the process becomes something to read, so that it is met between two calls and never within.
+int terminationRequests() {
+  sigset_t requests;
+  sigemptyset(&requests);
+  for (const int request : {SIGTERM, SIGINT, SIGHUP}) sigaddset(&requests, request);
+  sigprocmask(SIG_BLOCK, &requests, nullptr);
+  return signalfd(-1, &requests, SFD_CLOEXEC);
+}
+
+}  // namespace
+
+// Arguments: download folder, path of the camera maker's SDK (this worker needs none), save mode word.
+// Environment: AMBREL_CAMERA_PORT names the port of a camera that is not on USB, as "ptpip:192.168.1.2".
+int main(int argc, char** argv) {
+  if (argc != 4) {
+    constexpr std::string_view usage = "usage: ambrel_cpp_worker DOWNLOAD_FOLDER SDK_PATH both|disk|card\n";
+    return write(STDERR_FILENO, usage.data(), usage.size()) > 0 ? kExitUsage : kExitUsage;
+  }
+  // The library writes to connections that the camera may have closed.
+  std::signal(SIGPIPE, SIG_IGN);
+  // Its texts are looked at, and come translated otherwise.
+  setenv("LC_ALL", "C", 1);
+  const int termination = terminationRequests();
+  const PrivateHome home;
+  StrayOutput stray;
+  LineOutput output(stray.realOutput());
+  const auto log = [&](std::string_view text) { output.say({Message::Kind::Log, std::string(text)}); };
+
+  LineInput input(STDIN_FILENO);
+  input.endOn(termination);
+  input.alsoServe(stray.readEnd(), [&] { stray.drain(log); });
+  Watchdog watchdog({{STDIN_FILENO, 0, 0}, {termination, POLLIN, 0}}, [&](const std::string& reason) {
+    output.trySay({Message::Kind::Error, "camera worker stopped: " + reason}, kLastWordPatience);
+    home.remove();
+    _exit(kExitHung);
+  });
+
+  output.say({Message::Kind::CppWorker, std::string("libgphoto2 ") + *gp_library_version(GP_VERSION_SHORT)});
+  output.say({Message::Kind::Status, "loading canon sdk"});
+  GphotoCamera camera(environment("AMBREL_CAMERA_PORT"), watchdog, log);
+  if (const Outcome<> loaded = camera.load(); !loaded) {
+    output.say({Message::Kind::Error, "camera library cannot be loaded: " + loaded.failure().reason});
+    return EXIT_FAILURE;
+  }
+  DownloadFolder folder;
+  folder.use(argv[1]);
+  const auto saveMode = ambrel::protocol::saveModeFromWord(argv[3]);
+  CommandLoop(camera, folder, input, output, saveMode.value_or(SaveMode::Both)).run();
+  return EXIT_SUCCESS;
+}
