@@ -17,13 +17,11 @@ std::string stemOf(const CameraFile& file) {
 
 }  // namespace
 
-CaptureLedger::Sighting CaptureLedger::announced(const CameraFile& file) {
-  if (!file.inHostMemory()) {
-    const std::string id = identity(file);
-    _known.insert(id);
-    if (_metOnCard.erase(id) > 0) return {};
-  }
-  return {.newFile = true, .newExposure = beginsExposure(file)};
+bool CaptureLedger::announced(const CameraFile& file) {
+  if (file.inHostMemory()) return true;
+  const std::string id = identity(file);
+  _known.insert(id);
+  return _metOnCard.erase(id) == 0;
 }
 
 // On a card both files of a pair share their number. In host memory they do not, and only their kinds and

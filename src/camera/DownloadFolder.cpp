@@ -144,6 +144,7 @@ bool PartFile::write(std::span<const unsigned char> bytes) {
 }
 
 Outcome<> PartFile::restart() {
+  if (_written == 0 && _error == 0) return Done{};
   _written = 0;
   _flushing = 0;
   _error = 0;

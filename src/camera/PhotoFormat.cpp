@@ -103,7 +103,9 @@ bool isPhotoName(std::string_view name) {
 }
 
 std::string safeName(std::string_view name) {
-  std::string result(name.substr(0, kLongestName));
+  std::string result(name);
+  // The end of a name, its extension, matters more than its middle.
+  if (result.size() > kLongestName) result.erase(kLongestName / 2, result.size() - kLongestName);
   for (char& c : result) {
     const auto byte = static_cast<unsigned char>(c);
     if (byte < 0x20 || byte > 0x7E || c == '/' || c == '\\' || c == '|') c = '_';
