@@ -17,13 +17,11 @@ std::string stemOf(const CameraFile& file) {
 
 }  // namespace
 
-CaptureLedger::Sighting CaptureLedger::announced(const CameraFile& file) {
-  if (!file.inHostMemory()) {
-    const std::string id = identity(file);
-    _known.insert(id);
-    if (_metOnCard.erase(id) > 0) return {};
-  }
-  return {.newFile = true, .newExposure = beginsExposure(file)};
+bool CaptureLedger::announced(const CameraFile& file) {
+  if (file.inHostMemory()) return true;
+  const std::string id = identity(file);
+  _known.insert(id);
+  return _metOnCard.erase(id) == 0;
 }
 
 // On a card both files of a pair share their number. In host memory they do not, and only their kinds and
@@ -31,14 +29,16 @@ CaptureLedger::Sighting CaptureLedger::announced(const CameraFile& file) {
 bool CaptureLedger::beginsExposure(const CameraFile& file) {
   Exposure& exposure = _exposures[file.inHostMemory() ? kInHostMemory : stemOf(file)];
   const bool raw = isRawName(file.name);
-  const bool continues = raw ? exposure.hasFinished && !exposure.hasRaw : exposure.hasRaw && !exposure.hasFinished;
+  const bool continues =
+      raw ? exposure.hasFinished && !exposure.hasRaw : exposure.hasRaw && !exposure.hasFinished;
   if (!continues) exposure = {};
   (raw ? exposure.hasRaw : exposure.hasFinished) = true;
   return !continues;
 }
 
 void CaptureLedger::startFrom(const std::vector<CameraFile>& listing) {
-  for (const CameraFile& file : listing) _known.insert(identity(file));
+  for (const CameraFile& file : listing)
+    _known.insert(identity(file));
 }
 
 std::vector<CameraFile> CaptureLedger::unannounced(const std::vector<CameraFile>& listing) {

@@ -14,13 +14,11 @@ namespace ambrel::camera {
 // and which belong to one press of the shutter. A photo counts once, whichever way it was found.
 class CaptureLedger {
  public:
-  struct Sighting {
-    bool newFile = false;      // false: the photo was already met on the card
-    bool newExposure = false;  // the first file of a press of the shutter
-  };
-
-  // The camera announced a file. It announces each one once; the same name again is another photo.
-  Sighting announced(const CameraFile& file);
+  // The camera announced a file. False when a look at the card has shown it before. The camera announces each
+  // file once; the same name again is another photo.
+  bool announced(const CameraFile& file);
+  // Whether the file is the first one of a press of the shutter; to be asked once for each.
+  bool beginsExposure(const CameraFile& file);
   // The exposure that the last file belongs to is over.
   void captureComplete() { _exposures.erase(kInHostMemory); }
 
@@ -38,7 +36,6 @@ class CaptureLedger {
     bool hasFinished = false;
   };
   static constexpr const char* kInHostMemory = "";
-  bool beginsExposure(const CameraFile& file);
 
   std::set<std::string> _known;
   std::set<std::string> _metOnCard;

@@ -19,7 +19,7 @@ class CommandLoop::Fetch : public PhotoSink {
   Fetch(CommandLoop& loop, PhotoSink& part) : _loop(loop), _part(part) {}
 
   bool write(std::span<const unsigned char> bytes) override {
-    _loop.takeCommandsDuringTransfer();
+    _loop.takeCommandsBetween(milliseconds(0));
     const bool patient = !_loop._ending || _loop._lines.now() - _loop._endingSince < kLastTransferPatience;
     return patient && _part.write(bytes);
   }
@@ -37,7 +37,7 @@ void CommandLoop::run() {
   say(Message::Kind::Ready);
   while (!_ending) {
     const bool busy = _state != State::NoCamera && pollCamera();
-    if (_state == State::Watching) lookAtCardWhenDue();
+    lookAtCardWhenDue();
     const milliseconds pause = _state == State::NoCamera   ? kNoCameraPause
                                : _state == State::Watching ? kWatchingPause
                                                            : kIdlePause;
@@ -55,7 +55,8 @@ void CommandLoop::takeCommands(milliseconds wait) {
     obey(command);
     wait = milliseconds(0);
   }
-  while (!_ending && takeLine(wait)) wait = milliseconds(0);
+  while (!_ending && takeLine(wait))
+    wait = milliseconds(0);
 }
 
 bool CommandLoop::takeLine(milliseconds wait) {
@@ -71,22 +72,23 @@ bool CommandLoop::takeLine(milliseconds wait) {
   return true;
 }
 
-// Whatever needs the camera waits for the end of the transfer, and everything behind it waits too.
-void CommandLoop::takeCommandsDuringTransfer() {
+// In the middle of a camera operation: whatever needs the camera waits for the end of it, and everything
+// behind it waits too.
+void CommandLoop::takeCommandsBetween(milliseconds wait) {
   while (!_ending) {
-    const LineSource::Next next = _lines.next(milliseconds(0));
+    const LineSource::Next next = _lines.next(wait);
+    wait = milliseconds(0);
     if (next.kind == LineSource::Kind::Nothing) return;
-    const std::optional<Command> command = next.kind == LineSource::Kind::End
-                                               ? Command{Command::Kind::Quit}
-                                               : protocol::parseCommand(next.line);
+    const std::optional<Command> command =
+        next.kind == LineSource::Kind::End ? Command{Command::Kind::Quit} : protocol::parseCommand(next.line);
     if (!command) continue;
-    const bool needsCamera = command->kind != Command::Kind::Quit &&
-                             command->kind != Command::Kind::PumpIdle &&
-                             command->kind != Command::Kind::SetDownloadDir;
-    if (needsCamera || (!_waiting.empty() && command->kind != Command::Kind::Quit)) {
-      _waiting.push_back(*command);
-    } else {
+    const bool isQuit = command->kind == Command::Kind::Quit;
+    const bool sparesCamera =
+        command->kind == Command::Kind::PumpIdle || command->kind == Command::Kind::SetDownloadDir;
+    if (isQuit || (sparesCamera && _waiting.empty())) {
       obey(*command);
+    } else {
+      _waiting.push_back(*command);
     }
   }
 }
@@ -140,14 +142,14 @@ Outcome<> CommandLoop::openCamera(SaveMode mode) {
   say(Message::Kind::Status, "opening camera session");
   if (Outcome<> opened = _camera.open(mode); !opened) return opened;
   say(Message::Kind::Status, "setting save destination");
-  if (Outcome<> confirmed = _camera.confirmSaveMode(mode); !confirmed) return confirmed;
+  if (Outcome<> set = patiently([&] { return _camera.confirmSaveMode(mode); }); !set) return set;
   return warnIfCardIsMissing();
 }
 
 Outcome<> CommandLoop::warnIfCardIsMissing() {
   if (!usesCard()) return Done{};
   say(Message::Kind::Status, "checking camera memory card");
-  const Outcome<bool> card = _camera.hasCard();
+  const Outcome<bool> card = patiently([this] { return _camera.hasCard(); });
   if (!card) return card.failure();
   if (!card.value()) say(Message::Kind::WarnCardMissing);
   return Done{};
@@ -163,23 +165,14 @@ void CommandLoop::disconnect() {
 
 void CommandLoop::startWatching() {
   if (_state == State::NoCamera) return log("not watching: no camera");
-  if (_state == State::Idle) {
-    // What was taken until now is not to be downloaded, neither through its event nor through the card.
-    while (_state == State::Idle && pollCamera()) {
-    }
-    if (_state == State::NoCamera) return;
-    if (_saveMode == SaveMode::Both) {
-      const Outcome<std::vector<CameraFile>> listing = _camera.newestCardFolder();
-      if (!listing) return cameraFailed(listing.failure());
-      _ledger.startFrom(listing.value());
-      noteCardRoom();
-      if (_state == State::NoCamera) return;
-    }
-    _state = State::Watching;
-    _lastSign = _lines.now();
-    _lookAt.reset();
+  // What was taken until now is not to be downloaded, neither through its event nor through the card.
+  while (_state == State::Idle && pollCamera()) {
   }
-  say(Message::Kind::PumpActiveReady);
+  if (_state == State::Idle) {
+    if (const Outcome<> started = startFromCard(); !started) return cameraFailed(started.failure());
+    _state = State::Watching;
+  }
+  if (_state == State::Watching) say(Message::Kind::PumpActiveReady);
 }
 
 void CommandLoop::stopWatching() {
@@ -193,8 +186,9 @@ void CommandLoop::setSaveDest(const std::string& modeWord) {
   _saveMode = *mode;
   if (_state == State::NoCamera) return;
   say(Message::Kind::Status, "setting save destination");
-  Outcome<> done = _camera.confirmSaveMode(*mode);
+  Outcome<> done = patiently([&] { return _camera.confirmSaveMode(*mode); });
   if (done) done = warnIfCardIsMissing();
+  if (done && _state == State::Watching) done = startFromCard();
   if (!done) cameraFailed(done.failure());
 }
 
@@ -212,25 +206,25 @@ bool CommandLoop::pollCamera() {
     cameraFailed(event.failure());
     return false;
   }
-  if (event.value().kind == CameraEvent::Kind::Nothing) return false;
-  _lastSign = _lines.now();
   handle(event.value());
-  return true;
+  return event.value().kind != CameraEvent::Kind::Nothing;
 }
 
 void CommandLoop::handle(const CameraEvent& event) {
   switch (event.kind) {
     case CameraEvent::Kind::FileAdded:
+      _announced = true;
       _lookAt.reset();
-      if (isPhotoName(event.file.name)) return fileAdded(event.file);
-      return log("no photo, left on the card: " + safeName(event.file.name));
+      _cardRoom.reset();
+      _quietSince = _lines.now();
+      return fileAdded(event.file);
     case CameraEvent::Kind::CaptureComplete:
       _ledger.captureComplete();
-      if (_state == State::Watching) _lookAt = _lines.now() + kAnnouncementDelay;
+      // Should its file not be announced, the card will tell.
+      if (!std::exchange(_announced, false)) _lookAt = _lines.now() + kAnnouncementDelay;
       return;
     case CameraEvent::Kind::CardChanged:
-      _ledger.forgetCard();
-      return;
+      return cardChanged();
     case CameraEvent::Kind::Nothing:
     case CameraEvent::Kind::Other:
       return;
@@ -238,17 +232,22 @@ void CommandLoop::handle(const CameraEvent& event) {
 }
 
 void CommandLoop::fileAdded(const CameraFile& file) {
-  const CaptureLedger::Sighting sighting = _ledger.announced(file);
-  if (!sighting.newFile) return;
-  if (sighting.newExposure) say(Message::Kind::CaptureEvent);
+  if (!isPhotoName(file.name)) return log("no photo, left on the card: " + safeName(file.name));
+  if (_ledger.announced(file)) found(file);
+}
+
+void CommandLoop::found(const CameraFile& file) {
+  const bool newExposure = _ledger.beginsExposure(file);
+  if (newExposure) say(Message::Kind::CaptureEvent);
   if (_state == State::Watching) {
     fetch(file);
-  } else if (sighting.newExposure) {
+  } else if (newExposure) {
     say(Message::Kind::WarnCaptureIgnored);
   }
 }
 
-// In mode "card" a photo stays where it is; but one that no card took, because there is none, exists only here.
+// In mode "card" a photo stays where it is; but one that no card took, because there is none, exists only
+// here.
 void CommandLoop::fetch(const CameraFile& file) {
   if (_saveMode == SaveMode::Card && !file.inHostMemory()) return;
   const Outcome<std::string> path = download(file);
@@ -263,15 +262,10 @@ Outcome<std::string> CommandLoop::download(const CameraFile& file) {
   Outcome<std::unique_ptr<PartFile>> part = _folder.begin(file);
   if (!part) return part.failure();
   Fetch sink(*this, *part.value());
-  Outcome<> fetched = _camera.download(file, sink);
-  const Time begun = _lines.now();
-  while (!fetched && fetched.failure().kind == Failure::Kind::Busy && !_ending &&
-         _lines.now() - begun < kBusyPatience) {
-    takeCommands(kBusyPause);
-    if (_state == State::NoCamera) break;
-    if (Outcome<> emptied = part.value()->restart(); !emptied) return emptied.failure();
-    fetched = _camera.download(file, sink);
-  }
+  const Outcome<> fetched = patiently([&]() -> Outcome<> {
+    if (Outcome<> emptied = part.value()->restart(); !emptied) return emptied;
+    return _camera.download(file, sink);
+  });
   if (!fetched) return fetched.failure();
   return part.value()->finish(file);
 }
@@ -279,26 +273,71 @@ Outcome<std::string> CommandLoop::download(const CameraFile& file) {
 void CommandLoop::downloadFailed(const CameraFile& file, const Failure& failure) {
   const char* where = file.inHostMemory() ? "the photo is lost, the camera kept no copy"
                                           : "the photo stays on the camera's card";
-  say(Message::Kind::Error,
-      "download failed: " + safeName(file.name) + ": " + failure.reason + "; " + where);
+  say(Message::Kind::Error, "download failed: " + safeName(file.name) + ": " + failure.reason + "; " + where);
   if (failure.kind == Failure::Kind::Lost || failure.kind == Failure::Kind::NotFound) lost(failure.reason);
 }
 
 // ---- Photos that no event announced
 
-void CommandLoop::noteCardRoom() {
-  const Outcome<std::uint64_t> room = _camera.cardFreeKib();
-  if (!room) return cameraFailed(room.failure());
+// Only mode "both" has photos on a card that are to be downloaded.
+Outcome<> CommandLoop::startFromCard() {
+  _lookAt.reset();
+  _cardRoom.reset();
+  _quietSince = _lines.now();
+  if (_saveMode != SaveMode::Both) return Done{};
+  const Outcome<std::vector<CameraFile>> listing = patiently([this] { return _camera.newestCardFolder(); });
+  if (!listing) return listing.failure();
+  _ledger.startFrom(listing.value());
+  const Outcome<std::uint64_t> room = patiently([this] { return _camera.cardFreeKib(); });
+  if (!room) return room.failure();
   _cardRoom = room.value();
+  return Done{};
+}
+
+void CommandLoop::cardChanged() {
+  _ledger.forgetCard();
+  Outcome<> done = warnIfCardIsMissing();
+  if (done && _state == State::Watching) done = startFromCard();
+  if (!done) cameraFailed(done.failure());
 }
 
 void CommandLoop::lookAtCardWhenDue() {
-  
+  if (_state != State::Watching || _saveMode != SaveMode::Both) return;
+  const Time now = _lines.now();
+  if (_lookAt && now >= *_lookAt) return lookAtCard();
+  if (_lookAt || now - _quietSince < kQuietBeforeLook) return;
+  _quietSince = now;
+  const Outcome<std::uint64_t> room = patiently([this] { return _camera.cardFreeKib(); });
+  if (!room) return cameraFailed(room.failure());
+  const bool lessThanBefore = _cardRoom && room.value() < *_cardRoom;
+  _cardRoom = room.value();
+  if (lessThanBefore) lookAtCard();
 }
 
-void CommandLoop::lookAtCard() {}
+void CommandLoop::lookAtCard() {
+  _lookAt.reset();
+  _cardRoom.reset();
+  const Outcome<std::vector<CameraFile>> listing = patiently([this] { return _camera.newestCardFolder(); });
+  if (!listing) return cameraFailed(listing.failure());
+  for (const CameraFile& file : _ledger.unannounced(listing.value())) {
+    log("on the card without announcement: " + safeName(file.name));
+    found(file);
+    if (_state == State::NoCamera) return;
+  }
+}
 
 // ---- Failures
+
+template <typename Call>
+auto CommandLoop::patiently(Call call) -> decltype(call()) {
+  const Time begun = _lines.now();
+  while (true) {
+    auto outcome = call();
+    if (outcome || outcome.failure().kind != Failure::Kind::Busy) return outcome;
+    if (_ending || _lines.now() - begun > kBusyPatience) return outcome;
+    takeCommandsBetween(kBusyPause);
+  }
+}
 
 void CommandLoop::cameraFailed(const Failure& failure) {
   if (failure.kind == Failure::Kind::Busy) return log("camera busy: " + failure.reason);
@@ -308,6 +347,9 @@ void CommandLoop::cameraFailed(const Failure& failure) {
 void CommandLoop::lost(const std::string& reason) {
   if (_state == State::NoCamera) return;
   log("camera lost: " + reason);
+  if (_state == State::Watching && _saveMode == SaveMode::Disk) {
+    say(Message::Kind::Error, "camera lost: a photo taken in the last moment may be gone with it");
+  }
   _camera.close();
   _state = State::NoCamera;
   say(Message::Kind::Disconnected);

@@ -14,15 +14,15 @@
 
 namespace ambrel::camera {
 
-// How often the camera is asked for events between commands: watching, a photo should be seen at once; idle, the
-// camera is only kept awake and its captures are counted.
+// How often the camera is asked for events between commands: watching, a photo should be seen at once; idle,
+// the camera is only kept awake and its captures are counted.
 constexpr std::chrono::milliseconds kWatchingPause{20};
 constexpr std::chrono::milliseconds kIdlePause{60};
 constexpr std::chrono::milliseconds kNoCameraPause{1000};
 // A busy camera is asked again for this long before a photo is given up.
 constexpr std::chrono::seconds kBusyPatience{10};
 constexpr std::chrono::milliseconds kBusyPause{100};
-// Watching and hearing nothing for this long, the card is asked whether it holds less room than before.
+// Watching and hearing of no photo for this long, the card is asked whether it has less room than before.
 constexpr std::chrono::seconds kQuietBeforeLook{2};
 // The announcement of a file may come after the end of its exposure.
 constexpr std::chrono::milliseconds kAnnouncementDelay{500};
@@ -48,7 +48,7 @@ class CommandLoop {
 
   void takeCommands(std::chrono::milliseconds wait);
   bool takeLine(std::chrono::milliseconds wait);
-  void takeCommandsDuringTransfer();
+  void takeCommandsBetween(std::chrono::milliseconds wait);
   void obey(const protocol::Command& command);
 
   void connect(const std::string& modeWord);
@@ -66,9 +66,14 @@ class CommandLoop {
   void fetch(const CameraFile& file);
   Outcome<std::string> download(const CameraFile& file);
   void downloadFailed(const CameraFile& file, const Failure& failure);
+  void found(const CameraFile& file);
+  void cardChanged();
   void lookAtCardWhenDue();
   void lookAtCard();
-  void noteCardRoom();
+  Outcome<> startFromCard();
+  // Repeats a call for as long as the camera is busy, up to kBusyPatience.
+  template <typename Call>
+  auto patiently(Call call) -> decltype(call());
   // Handles a failure that no photo is to blame for.
   void cameraFailed(const Failure& failure);
   void lost(const std::string& reason);
@@ -86,12 +91,14 @@ class CommandLoop {
   SaveMode _saveMode;
   bool _ending = false;
   Time _endingSince;
-  std::deque<protocol::Command> _waiting;  // commands that came during a transfer and have to wait for its end
+  std::deque<protocol::Command>
+      _waiting;  // commands that came during a camera operation and wait for its end
 
   CaptureLedger _ledger;
-  Time _lastSign;                   // when the camera last told anything
-  std::optional<Time> _lookAt;      // when the card is to be looked at
-  std::optional<std::uint64_t> _cardRoom;  // KiB, when the ledger was last complete
+  Time _quietSince;                        // when a photo last came, or the card was last asked
+  bool _announced = false;                 // a file, since the last exposure that was over
+  std::optional<Time> _lookAt;             // when to ask the card for what was not announced
+  std::optional<std::uint64_t> _cardRoom;  // KiB, while the ledger holds all that is on the card
 };
 
 }  // namespace ambrel::camera

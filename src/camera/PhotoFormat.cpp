@@ -74,7 +74,8 @@ std::string nameForFormat(std::string_view name, PhotoFormat format) {
   for (const FormatNames& known : kFormatNames) {
     if (known.format != format) continue;
     if (extension == known.extension) break;
-    if (!extension.empty() && std::count(known.alsoRight.begin(), known.alsoRight.end(), extension) > 0) break;
+    if (!extension.empty() && std::count(known.alsoRight.begin(), known.alsoRight.end(), extension) > 0)
+      break;
     std::string right(known.extension);
     const bool lower = !given.empty() && std::islower(static_cast<unsigned char>(given.front())) != 0;
     if (lower) {
@@ -88,7 +89,8 @@ std::string nameForFormat(std::string_view name, PhotoFormat format) {
 }
 
 bool endsLikeJpeg(std::span<const unsigned char> tail) {
-  while (!tail.empty() && tail.back() == 0) tail = tail.first(tail.size() - 1);
+  while (!tail.empty() && tail.back() == 0)
+    tail = tail.first(tail.size() - 1);
   return tail.size() >= 2 && tail[tail.size() - 2] == 0xFF && tail.back() == 0xD9;
 }
 
@@ -103,7 +105,9 @@ bool isPhotoName(std::string_view name) {
 }
 
 std::string safeName(std::string_view name) {
-  std::string result(name.substr(0, kLongestName));
+  std::string result(name);
+  // The end of a name, its extension, matters more than its middle.
+  if (result.size() > kLongestName) result.erase(kLongestName / 2, result.size() - kLongestName);
   for (char& c : result) {
     const auto byte = static_cast<unsigned char>(c);
     if (byte < 0x20 || byte > 0x7E || c == '/' || c == '\\' || c == '|') c = '_';

@@ -20,8 +20,8 @@ struct TakenPhoto {
   std::size_t size = 0;
   std::string sha256;
   Place place = Place::card;
-  std::size_t sent = 0;  // how often a host was given the last byte
-  bool deleted = false;  // by a host's order
+  std::size_t asked = 0;  // how often a host asked for the last byte
+  bool deleted = false;   // by a host's order
 };
 
 // Every photo that was ever taken, in order. The bytes are made again when they are asked for, but for the

@@ -286,8 +286,8 @@ std::optional<Bytes> CameraModel::thumbnail(std::uint32_t handle) const {
   return make_thumbnail(_album.photos()[entry->photo].spec);
 }
 
-void CameraModel::noteSent(std::uint32_t handle) {
-  if (const Entry* entry = photoEntry(handle)) ++_album.photo(entry->photo).sent;
+void CameraModel::noteAsked(std::uint32_t handle) {
+  if (const Entry* entry = photoEntry(handle)) ++_album.photo(entry->photo).asked;
 }
 
 bool CameraModel::completeTransfer(std::uint32_t handle) {

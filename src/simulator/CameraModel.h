@@ -72,8 +72,8 @@ class CameraModel {
   // The bytes of a photo; nothing for a folder or an unknown handle.
   std::shared_ptr<const Bytes> bytes(std::uint32_t handle);
   std::optional<Bytes> thumbnail(std::uint32_t handle) const;
-  // The host was given the photo up to its last byte.
-  void noteSent(std::uint32_t handle);
+  // The host asked for the photo up to its last byte.
+  void noteAsked(std::uint32_t handle);
   // The host has a photo of its memory whole: it goes from there. False for an unknown handle.
   bool completeTransfer(std::uint32_t handle);
   bool remove(std::uint32_t handle);

@@ -2,7 +2,6 @@
 #include "simulator/Commands.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <set>
 #include <sstream>
@@ -11,16 +10,18 @@ namespace ambrel::simulator {
 
 namespace {
 
-constexpr std::uint64_t kMostShots = 1000;
+constexpr std::uint64_t kMostShots = 10'000;
+constexpr std::uint64_t kLongestInterval = 3'600'000;
 constexpr std::uint64_t kLargestPhoto = 256 << 20;
 constexpr std::uint64_t kLargestRate = 10'000'000'000;
 constexpr std::uint64_t kMostBusy = 1'000'000;
 
 constexpr std::string_view kHelp =
-    "  shoot [n=1] [kind=jpeg|raw|pair] [size=BYTES] [rawsize=BYTES] [first=jpeg|raw]\n"
+    "  shoot [n=1] [kind=jpeg|raw|pair] [size=BYTES] [rawsize=BYTES] [first=jpeg|raw] [interval=MS]\n"
     "                    press the shutter n times; size is that of each JPEG file and, unless rawsize is "
     "given,\n"
-    "                    of each raw file; first tells which file of a pair comes first\n"
+    "                    of each raw file; first tells which file of a pair comes first; answered when all "
+    "is taken\n"
     "  photos            one line per file ever taken, then \"ok photos=N\":\n"
     "                    photo name=IMG_0001.JPG size=BYTES sha256=HEX shot=N place=card|host sent=N "
     "deleted=0|1\n"
@@ -119,42 +120,49 @@ std::string_view Commands::help() {
   return kHelp;
 }
 
-std::string Commands::execute(std::string_view line) {
+void Commands::execute(std::string_view line, const Answer& answer) {
+  const std::optional<Command> command = parse_command(line);
+  if (!command) {
+    answer(failed("a command is one word and key=value pairs"));
+  } else if (command->word == "shoot") {
+    shoot(*command, answer);
+  } else {
+    answer(run(*command));
+  }
+}
+
+std::string Commands::run(const Command& command) {
   struct Known {
     std::string_view word;
     std::string (Commands::*run)(const Command&);
   };
   static constexpr Known kCommands[] = {
-      {"shoot", &Commands::shoot}, {"photos", &Commands::photos}, {"drop", &Commands::drop},
-      {"cable", &Commands::cable}, {"power", &Commands::power},   {"card", &Commands::card},
-      {"busy", &Commands::busy},   {"set", &Commands::set},       {"status", &Commands::status},
-      {"quit", &Commands::quit},
+      {"photos", &Commands::photos}, {"drop", &Commands::drop},     {"cable", &Commands::cable},
+      {"power", &Commands::power},   {"card", &Commands::card},     {"busy", &Commands::busy},
+      {"set", &Commands::set},       {"status", &Commands::status}, {"quit", &Commands::quit},
   };
-  const std::optional<Command> command = parse_command(line);
-  if (!command) return failed("a command is one word and key=value pairs");
   for (const Known& known : kCommands) {
-    if (known.word == command->word) return (this->*known.run)(*command);
+    if (known.word == command.word) return (this->*known.run)(command);
   }
-  return failed("unknown command " + command->word);
+  return failed("unknown command " + command.word);
 }
 
-std::string Commands::shoot(const Command& command) {
+void Commands::shoot(const Command& command, const Answer& answer) {
   Values values(command);
   ShotOrder order;
   const std::uint64_t count = values.number("n", 1, kMostShots);
+  const std::uint64_t interval = values.number("interval", 0, kLongestInterval);
   order.kind = static_cast<ShotKind>(values.choice("kind", {"jpeg", "raw", "pair"}));
   order.size = values.number("size", 0, kLargestPhoto);
   order.rawSize = values.number("rawsize", order.size, kLargestPhoto);
   order.rawFirst = values.choice("first", {"jpeg", "raw"}) == 1;
-  if (const std::string error = values.error(); !error.empty()) return failed(error);
-  if (!_power) return failed("the camera is off");
-  const std::size_t filesBefore = _camera.album().photos().size();
-  const std::uint32_t first = _camera.shots() + 1;
-  for (std::uint64_t i = 0; i < count; ++i) {
-    if (const std::string why = _camera.shoot(order); !why.empty()) return failed(why);
-  }
-  return ok("first=" + std::to_string(first) + " last=" + std::to_string(_camera.shots()) +
-            " files=" + std::to_string(_camera.album().photos().size() - filesBefore));
+  if (const std::string error = values.error(); !error.empty()) return answer(failed(error));
+  if (!_power) return answer(failed("the camera is off"));
+  _shutter.press(order, count, std::chrono::milliseconds(interval), [answer](const Shutter::Result& result) {
+    if (!result.error.empty()) return answer(failed(result.error));
+    answer(ok("first=" + std::to_string(result.first) + " last=" + std::to_string(result.last) +
+              " files=" + std::to_string(result.files)));
+  });
 }
 
 std::string Commands::photos(const Command& command) {
@@ -163,7 +171,7 @@ std::string Commands::photos(const Command& command) {
   for (const TakenPhoto& photo : _camera.album().photos()) {
     out << "photo name=" << photo.name << " size=" << photo.size << " sha256=" << photo.sha256
         << " shot=" << photo.spec.shot << " place=" << (photo.place == Place::card ? "card" : "host")
-        << " sent=" << photo.sent << " deleted=" << (photo.deleted ? 1 : 0) << "\n";
+        << " asked=" << photo.asked << " deleted=" << (photo.deleted ? 1 : 0) << "\n";
   }
   out << "ok photos=" << _camera.album().photos().size() << "\n";
   return out.str();
@@ -201,7 +209,11 @@ std::string Commands::power(const Command& command) {
   if (on == _power) return ok();
   if (on && !_server.plugIn()) return failed("another program has taken the port");
   _power = on;
-  if (!on) _server.cut(0, Cut::close, true);
+  if (!on) {
+    _shutter.release("the camera was switched off");
+    _camera.setBusy(0, std::nullopt);
+    _server.cut(0, Cut::close, true);
+  }
   return ok();
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -8,6 +9,7 @@
 
 #include "simulator/CameraModel.h"
 #include "simulator/PtpIpServer.h"
+#include "simulator/Shutter.h"
 
 namespace ambrel::simulator {
 
@@ -23,17 +25,23 @@ std::optional<Command> parse_command(std::string_view line);
 // Carries out what the operator of the simulated camera types.
 class Commands {
  public:
-  Commands(CameraModel& camera, PtpIpServer& server) : _camera(camera), _server(server) {}
+  // Gets the answer to one command: the line "ok ..." or "error ...", after the lines of a list if there is
+  // one. It ends with a line feed.
+  using Answer = std::function<void(const std::string&)>;
 
-  // The answer, lines included that go before the closing "ok ..." or "error ..."; it ends with a line feed.
-  std::string execute(std::string_view line);
+  Commands(CameraModel& camera, Shutter& shutter, PtpIpServer& server)
+      : _camera(camera), _shutter(shutter), _server(server) {}
+
+  // Calls `answer` once: at once, or for "shoot" from the shutter when all was taken.
+  void execute(std::string_view line, const Answer& answer);
   bool quitAsked() const { return _quit; }
 
   // One line per command for --help.
   static std::string_view help();
 
  private:
-  std::string shoot(const Command& command);
+  std::string run(const Command& command);
+  void shoot(const Command& command, const Answer& answer);
   std::string photos(const Command& command);
   std::string drop(const Command& command);
   std::string cable(const Command& command);
@@ -45,6 +53,7 @@ class Commands {
   std::string quit(const Command& command);
 
   CameraModel& _camera;
+  Shutter& _shutter;
   PtpIpServer& _server;
   bool _power = true;
   bool _quit = false;

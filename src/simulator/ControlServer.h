@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <poll.h>
 #include <string>
@@ -24,9 +25,9 @@ class ControlServer {
   std::uint16_t port() const;
   // Reads commands from `input` and answers on `output`; both stay open when the object goes.
   void attach(int input, int output);
-  // The attached input has come to its end.
+  // The attached input has come to its end, and all that it asked for was answered.
   bool inputEnded() const { return _inputEnded; }
-  // Nobody waits for the rest of an answer.
+  // Nobody waits for an answer or the rest of one.
   bool allAnswered() const;
 
   void watch(std::vector<pollfd>& polled) const;
@@ -38,17 +39,23 @@ class ControlServer {
     int input = -1;
     int output = -1;
     Descriptor socket;  // not valid for the attached pair
-    protocol::LineFramer lines;
+    protocol::LineFramer framer;
+    std::deque<std::string> lines;  // not executed yet
+    bool waiting = false;           // for the answer to the one before them
     std::string answers;
     bool ended = false;
+
+    bool idle() const { return !waiting && lines.empty() && answers.empty(); }
+    bool listens() const;
   };
 
   void read(Peer& peer);
+  void execute(const std::shared_ptr<Peer>& peer);
   void write(Peer& peer);
 
   Commands& _commands;
   Descriptor _listener;
-  std::vector<std::unique_ptr<Peer>> _peers;
+  std::vector<std::shared_ptr<Peer>> _peers;  // an answer may come when its peer is gone
   bool _inputEnded = false;
 };
 

@@ -21,6 +21,7 @@ class Link {
   std::uint64_t rate() const { return _rate; }
   // Loses the connection once `bytes` more have left; 0 does so at the next look.
   void cutAfter(std::uint64_t bytes, Cut how);
+  void cancelCut() { _cut.reset(); }
   // The cut that is due; asking for it takes it.
   std::optional<Cut> takeDueCut();
 

@@ -10,8 +10,8 @@ namespace ambrel::simulator {
 
 namespace {
 
-// Large enough for a picture of a real camera; the EXIF fields and libjpeg end at 65,500.
-constexpr std::uint64_t kLongestSide = 16'384;
+// Enough for the picture of a real camera, and not too much for the memory of a small machine.
+constexpr std::uint64_t kLongestSide = 8192;
 
 std::optional<std::uint64_t> numberIn(std::string_view text, std::uint64_t largest) {
   std::uint64_t value = 0;

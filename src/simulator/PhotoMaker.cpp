@@ -2,7 +2,7 @@
 #include "simulator/PhotoMaker.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <cstring>
 #include <ctime>
 
 #include "simulator/Exif.h"
@@ -21,30 +21,29 @@ constexpr std::time_t kFirstShot = 1'767'261'600;  // 2026-01-01 10:00:00
 constexpr std::size_t kSegmentOverhead = 4;
 constexpr std::size_t kLargestSegment = 65'535 + 2;
 
-ByteWriter& fillWithNoise(ByteWriter& out, std::size_t count, Random& random) {
-  for (; count >= 8; count -= 8) {
-    out.u64(random.next());
+void appendNoise(Bytes& out, std::size_t count, Random& random) {
+  std::size_t at = out.size();
+  out.resize(at + count);
+  while (at < out.size()) {
+    const std::uint64_t value = random.next();
+    const std::size_t part = std::min(sizeof value, out.size() - at);
+    std::memcpy(out.data() + at, &value, part);
+    at += part;
   }
-  for (; count > 0; --count) {
-    out.u8(static_cast<std::uint8_t>(random.next()));
-  }
-  return out;
 }
 
 // APP15 segments of exactly `size` bytes altogether. Readers skip them by their length.
-Bytes paddingSegments(std::size_t size, Random& random) {
-  ByteWriter out;
+void appendPadding(Bytes& out, std::size_t size, Random& random) {
   while (size > 0) {
     std::size_t segment = std::min(size, kLargestSegment);
     // What is left must hold a segment of its own.
     if (size > segment && size - segment < kSegmentOverhead) segment -= kSegmentOverhead;
-    out.u8(0xFF).u8(0xEF);
     const std::size_t length = segment - 2;
-    out.u8(static_cast<std::uint8_t>(length >> 8)).u8(static_cast<std::uint8_t>(length));
-    fillWithNoise(out, segment - kSegmentOverhead, random);
+    out.insert(out.end(),
+               {0xFF, 0xEF, static_cast<std::uint8_t>(length >> 8), static_cast<std::uint8_t>(length)});
+    appendNoise(out, segment - kSegmentOverhead, random);
     size -= segment;
   }
-  return out.take();
 }
 
 // Where the segments after the first one begin: behind SOI and the EXIF segment.
@@ -71,10 +70,12 @@ std::optional<Bytes> makeJpeg(const PhotoSpec& spec) {
   if (spec.size == 0 || spec.size == jpeg.size()) return jpeg;
   if (spec.size < jpeg.size() + kSegmentOverhead) return std::nullopt;
   Random random = noiseOf(spec);
-  const Bytes padding = paddingSegments(spec.size - jpeg.size(), random);
-  jpeg.insert(jpeg.begin() + static_cast<std::ptrdiff_t>(endOfFirstSegment(jpeg)), padding.begin(),
-              padding.end());
-  return jpeg;
+  const auto middle = jpeg.begin() + static_cast<std::ptrdiff_t>(endOfFirstSegment(jpeg));
+  Bytes padded(jpeg.begin(), middle);
+  padded.reserve(spec.size);
+  appendPadding(padded, spec.size - jpeg.size(), random);
+  padded.insert(padded.end(), middle, jpeg.end());
+  return padded;
 }
 
 // An ISO base media box (ISO/IEC 14496-12): unlike all else here its numbers are big-endian.
@@ -95,10 +96,11 @@ class Box {
     _body.chars(text);
     return *this;
   }
+  // What was written so far, without a size.
+  const Bytes& content() const { return _body.bytes(); }
   // The whole box, its size in front.
-  Bytes take() {
-    const Bytes body = _body.take();
-    return Box("").be32(static_cast<std::uint32_t>(body.size() + 4)).raw(body)._body.take();
+  Bytes take() const {
+    return Box("").be32(static_cast<std::uint32_t>(_body.size() + 4)).raw(content()).content();
   }
 
  private:
@@ -145,11 +147,12 @@ std::optional<Bytes> makeRaw(const PhotoSpec& spec) {
   const std::size_t smallest = file.size() + kBoxHeader;
   const std::size_t size = spec.size == 0 ? std::max(smallest, kDefaultRawBytes) : spec.size;
   if (size < smallest) return std::nullopt;
+  const Bytes mdat = Box("").be32(static_cast<std::uint32_t>(size - file.size())).chars("mdat").content();
+  Bytes raw = file.raw(mdat).take();
+  raw.reserve(size);
   Random random = noiseOf(spec);
-  ByteWriter sensor;
-  fillWithNoise(sensor, size - smallest, random);
-  file.raw(Box("mdat").raw(sensor.bytes()).take());
-  return file.take();
+  appendNoise(raw, size - raw.size(), random);
+  return raw;
 }
 
 }  // namespace

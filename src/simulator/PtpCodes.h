@@ -80,7 +80,6 @@ enum class InitFailure : std::uint32_t { rejected = 1, busy = 2 };
 enum class RecordType : std::uint32_t {
   objectAdded = 0xC181,
   objectRemoved = 0xC182,
-  storageInfoChanged = 0xC185,
   requestTransfer = 0xC186,
   propertyChanged = 0xC189,
   availableListChanged = 0xC18A,
@@ -112,7 +111,8 @@ enum class Property : std::uint32_t {
 
 enum class ObjectFormat : std::uint16_t { folder = 0x3001, jpeg = 0x3801, cr3 = 0xB108 };
 
-// Values of Property::captureDestination. An EOS R6 also knows 5, card and host.
+// Values of Property::captureDestination. To both is offered, as an EOS R6 does; taken there, a photo is on
+// the card only.
 inline constexpr std::uint32_t kDestinationCard = 1;
 inline constexpr std::uint32_t kDestinationBoth = 5;
 inline constexpr std::uint32_t kDestinationHost = 4;

@@ -101,9 +101,11 @@ void PtpIpServer::process(Connection& connection) {
          connection.out.size() - connection.written < kMostUnsent) {
     const std::optional<Packet> packet = connection.in.next();
     if (!packet) break;
-    if (!handle(connection, *packet)) connection.closeWhenSent = true;
+    if (handle(connection, *packet)) continue;
+    // Who is not let in is told so; who breaks the protocol inside frees the seat at once.
+    (connection.role == Role::unknown ? connection.closeWhenSent : connection.ended) = true;
   }
-  if (connection.in.broken()) connection.closeWhenSent = true;
+  if (connection.in.broken()) connection.ended = true;
 }
 
 bool PtpIpServer::handle(Connection& connection, const Packet& packet) {
@@ -208,6 +210,7 @@ void PtpIpServer::unplug() {
 }
 
 bool PtpIpServer::plugIn() {
+  _link.cancelCut();
   _frozen = false;
   if (_listening) return true;
   if (!_listener.valid()) _listener = bind_loopback(_port);

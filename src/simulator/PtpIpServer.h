@@ -34,7 +34,8 @@ class PtpIpServer {
   // Loses the host's connection, now or after that many more bytes to it. If `out`, the camera cannot be
   // reached afterwards until plugIn(); a frozen link stays frozen until then in any case.
   void cut(std::uint64_t afterBytes, Cut how, bool out);
-  // Makes the camera reachable and thaws a frozen link. False if another program has taken the port.
+  // Makes the camera reachable, thaws a frozen link and takes back a cut that has not come about. False if
+  // another program has taken the port.
   bool plugIn();
   bool reachable() const { return _listening && !_frozen; }
   bool hasHost() const { return _seat != nullptr; }

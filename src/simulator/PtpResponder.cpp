@@ -148,7 +148,7 @@ PtpReply PtpResponder::objectInfoEx(const PtpRequest& request) const {
 PtpReply PtpResponder::wholeObject(std::uint32_t handle) {
   const std::shared_ptr<const Bytes> bytes = _camera.bytes(handle);
   if (bytes == nullptr) return {Response::invalidHandle, {}, {}};
-  _camera.noteSent(handle);
+  _camera.noteAsked(handle);
   return withData(*bytes);
 }
 
@@ -162,7 +162,7 @@ PtpReply PtpResponder::partOfObject(const PtpRequest& request) {
   if (offset >= bytes->size() || request.parameters[2] == 0) return {Response::invalidParameter, {}, {}};
   const std::size_t wanted = std::min<std::size_t>(request.parameters[2], kLargestPart);
   const ByteView part = ByteView(*bytes).subspan(offset, std::min(wanted, bytes->size() - offset));
-  if (offset + part.size() == bytes->size()) _camera.noteSent(handle);
+  if (offset + part.size() == bytes->size()) _camera.noteAsked(handle);
   return {Response::ok, {static_cast<std::uint32_t>(part.size())}, Bytes(part.begin(), part.end())};
 }
 

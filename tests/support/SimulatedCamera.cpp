@@ -48,7 +48,7 @@ SimulatedPhoto photoFrom(const std::string& line) {
   photo.sha256 = valueIn(line, "sha256");
   photo.shot = static_cast<unsigned>(std::stoul(valueIn(line, "shot")));
   photo.place = valueIn(line, "place");
-  photo.sent = static_cast<unsigned>(std::stoul(valueIn(line, "sent")));
+  photo.asked = static_cast<unsigned>(std::stoul(valueIn(line, "asked")));
   photo.deleted = valueIn(line, "deleted") == "1";
   return photo;
 }

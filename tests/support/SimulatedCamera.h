@@ -17,7 +17,7 @@ struct SimulatedPhoto {
   std::string sha256;  // lower-case hexadecimal
   unsigned shot = 0;
   std::string place;  // "card" or "host"
-  unsigned sent = 0;  // how often a host was given the last byte
+  unsigned asked = 0;  // how often a host asked for the last byte
   bool deleted = false;
 };
 

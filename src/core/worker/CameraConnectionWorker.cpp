@@ -60,7 +60,9 @@ void CameraConnection::dropWorker() {
 
 void CameraConnection::sendWorkerLine(const protocol::Command& command) {
   if (!_link.isRunning()) return;
-  if (!_link.sendLine(QByteArray::fromStdString(protocol::encode(command)))) {
+  const QByteArray line = QByteArray::fromStdString(protocol::encode(command));
+  // A folder's name may hold a line break, which would make two commands of one.
+  if (line.contains('\n') || !_link.sendLine(line)) {
     _statusLine.setStatus(QStringLiteral("Unable to communicate with camera worker."), StatusKind::Error);
   }
 }

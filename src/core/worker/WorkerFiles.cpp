@@ -17,7 +17,7 @@ QString workingDirectory(const QString& sdkPath, const QString& workerPath) {
 }  // namespace
 
 QString WorkerFiles::workerPath() const {
-  return bundle.bundleMacOSPath(QStringLiteral("ambrel_cpp_worker"));
+  return bundle.bundleMacOSPath(workerName());
 }
 
 QString WorkerFiles::sdkFrameworkRoot() const {

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/worker/WorkerProcess.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace ambrel {
+namespace {
+
+using SteadyClock = std::chrono::steady_clock;
+
+// Small, so that the lines of one piece are soon dealt with.
+constexpr std::size_t kPieceBytes = 4096;
+
+qint64 bytesWaiting(const PipeEnd& end) {
+  int count = 0;
+  return end.isOpen() && ::ioctl(end.descriptor(), FIONREAD, &count) == 0 ? count : 0;
+}
+
+}  // namespace
+
+WorkerProcess::WorkerProcess() {
+  _process.setProcessChannelMode(QProcess::ForwardedChannels);
+  _process.setInputChannelMode(QProcess::ForwardedInputChannel);
+}
+
+Result<void> WorkerProcess::start(const WorkerLaunch& launch) {
+  Result<Pipe> input = makePipe();
+  if (!input) return Failure{input.error()};
+  Result<Pipe> output = makePipe();
+  if (!output) return Failure{output.error()};
+  Pipe in = std::move(input).value();
+  Pipe out = std::move(output).value();
+  _process.setProgram(launch.program);
+  _process.setArguments(launch.arguments);
+  _process.setWorkingDirectory(launch.workingDirectory);
+  _process.setProcessEnvironment(launch.environment);
+  // Runs between fork and exec, where little is allowed: system calls on plain numbers.
+  _process.setChildProcessModifier([from = in.readEnd.descriptor(), to = out.writeEnd.descriptor()] {
+    ::dup2(from, STDIN_FILENO);
+    ::dup2(to, STDOUT_FILENO);
+    ::dup2(to, STDERR_FILENO);
+  });
+  _process.start();
+  if (!isRunning()) return Failure{_process.errorString()};
+  connect(&_process, &QProcess::finished, this, &WorkerProcess::processFinished);
+  connect(&_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
+    if (error == QProcess::FailedToStart) Q_EMIT launchFailed(_process.errorString());
+  });
+  _input = std::move(in.writeEnd);
+  _input.stopWaiting();
+  _output = std::move(out.readEnd);
+  _output.stopWaiting();
+  _outputReady = std::make_unique<QSocketNotifier>(_output.descriptor(), QSocketNotifier::Read);
+  connect(_outputReady.get(), &QSocketNotifier::activated, this, &WorkerProcess::readOutput);
+  return {};
+}
+
+bool WorkerProcess::writeLine(const QByteArray& line) {
+  if (!_input.isOpen()) return false;
+  const QByteArray bytes = line + '\n';
+  ssize_t written = -1;
+  do {
+    written = ::write(_input.descriptor(), bytes.constData(), static_cast<std::size_t>(bytes.size()));
+  } while (written < 0 && errno == EINTR);
+  // Half a command would be joined to the next one.
+  if (written >= 0 && written < bytes.size()) _input.close();
+  return written == bytes.size();
+}
+
+void WorkerProcess::abandon() {
+  _abandoned = true;
+  _input.close();
+}
+
+bool WorkerProcess::waitForEnd(std::chrono::milliseconds limit) {
+  return !isRunning() || _process.waitForFinished(static_cast<int>(limit.count()));
+}
+
+void WorkerProcess::readOutput() {
+  const SteadyClock::time_point end = SteadyClock::now() + kReadingTime;
+  bool more = true;
+  while (more && SteadyClock::now() < end)
+    more = readPiece();
+  if (_remaining == 0) Q_EMIT ended();
+}
+
+bool WorkerProcess::readPiece() {
+  std::array<char, kPieceBytes> piece;
+  const bool running = _remaining < 0;
+  const std::size_t wanted =
+      running ? piece.size() : std::min(piece.size(), static_cast<std::size_t>(_remaining));
+  const ssize_t count = ::read(_output.descriptor(), piece.data(), wanted);
+  if (count < 0 && errno == EINTR) return true;
+  if (count < 0 && errno == EAGAIN && running) return false;
+  if (count <= 0) {
+    closeOutput();
+    return false;
+  }
+  if (!running) _remaining -= count;
+  if (_remaining == 0) closeOutput();
+  if (!_abandoned) {
+    _framer.feed({piece.data(), static_cast<std::size_t>(count)}, [this](std::string_view line) {
+      // The receiver of a line may abandon the worker.
+      if (!_abandoned)
+        Q_EMIT lineArrived(QByteArray(line.data(), static_cast<qsizetype>(line.size())) + '\n');
+    });
+  }
+  return _remaining != 0;
+}
+
+void WorkerProcess::processFinished() {
+  _input.close();
+  _remaining = bytesWaiting(_output);
+  if (_remaining == 0) {
+    closeOutput();
+    Q_EMIT ended();
+  }
+}
+
+void WorkerProcess::closeOutput() {
+  if (_outputReady) _outputReady->setEnabled(false);
+  _output.close();
+  if (_remaining > 0) _remaining = 0;
+}
+
+}  // namespace ambrel

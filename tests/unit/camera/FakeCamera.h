@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <chrono>
+#include <deque>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "camera/Camera.h"
+#include "camera/LineSource.h"
+
+namespace ambrel::camera::test {
+
+using std::chrono::milliseconds;
+
+// Commands that come at set times, a clock that advances only when the loop waits, and everything that was
+// said.
+class FakeChannel : public LineSource, public MessageSink {
+ public:
+  void send(milliseconds at, std::string line) { _script.push_back({Time{} + at, std::move(line)}); }
+  void endAt(milliseconds at) { _end = Time{} + at; }
+
+  Next next(milliseconds wait) override;
+  std::chrono::steady_clock::time_point now() const override { return _now; }
+  void advance(milliseconds by) { _now += by; }
+  milliseconds elapsed() const { return std::chrono::duration_cast<milliseconds>(_now - Time{}); }
+
+  void say(const protocol::Message& message) override;
+  // What was said but LOG and STATUS lines, and those.
+  std::vector<std::string> said;
+  std::vector<std::string> statuses;
+  std::vector<std::string> logs;
+  milliseconds saidAt(const std::string& line) const { return _saidAt.at(line); }
+
+ private:
+  using Time = std::chrono::steady_clock::time_point;
+  struct Step {
+    Time at;
+    std::string line;
+  };
+  std::deque<Step> _script;
+  Time _now;
+  Time _end = Time{} + std::chrono::seconds(10);
+  std::map<std::string, milliseconds> _saidAt;
+};
+
+// A camera whose events, card and failures the test sets.
+class FakeCamera : public Camera {
+ public:
+  explicit FakeCamera(FakeChannel& channel) : _channel(channel) {}
+
+  // At this time the camera announces the photo and has it.
+  void shoot(milliseconds at, CameraFile file, std::string content);
+  // The same, but nobody hears of it.
+  void shootSilently(milliseconds at, CameraFile file, std::string content);
+  void tell(milliseconds at, CameraEvent::Kind kind);
+  void failFrom(milliseconds at, Failure failure) { _lossAt = {at, std::move(failure)}; }
+
+  // Failures of single operations, each used up one by one.
+  std::deque<Failure> findFailures, openFailures, confirmFailures, downloadFailures, listFailures;
+  bool card = true;
+  bool sessionOpen = false;
+  int opened = 0;
+  int listings = 0;
+  std::vector<SaveMode> modes;
+  std::vector<std::string> fetched;
+  // A photo comes in this many pieces, and this is called before each.
+  std::size_t pieces = 1;
+  std::function<void()> duringDownload = [] {};
+
+  Outcome<std::string> find() override;
+  Outcome<> open(SaveMode mode) override;
+  Outcome<> confirmSaveMode(SaveMode mode) override;
+  Outcome<bool> hasCard() override;
+  Outcome<CameraEvent> waitForEvent() override;
+  Outcome<> download(const CameraFile& file, PhotoSink& sink) override;
+  Outcome<std::uint64_t> cardFreeKib() override;
+  Outcome<std::vector<CameraFile>> newestCardFolder() override;
+  void close() override { sessionOpen = false; }
+
+ private:
+  struct Happening {
+    milliseconds at;
+    CameraEvent event;
+  };
+  struct Stored {
+    milliseconds at;
+    CameraFile file;
+    std::string content;
+  };
+  struct Loss {
+    milliseconds at;
+    Failure failure;
+  };
+  std::optional<Failure> lossNow() const;
+
+  FakeChannel& _channel;
+  std::deque<Happening> _happenings;
+  std::vector<Stored> _photos;
+  std::optional<Loss> _lossAt;
+};
+
+}  // namespace ambrel::camera::test
