@@ -21,7 +21,6 @@ constexpr int kHeaderHeight = 28;
 }  // namespace
 
 AmbrelTableView::AmbrelTableView(QWidget* parent) : QTableView(parent) {
-  setFrameShape(QFrame::NoFrame);
   setShowGrid(false);
   setSelectionBehavior(QAbstractItemView::SelectRows);
   setSelectionMode(QAbstractItemView::ExtendedSelection);
@@ -70,8 +69,12 @@ void AmbrelTableView::selectDisplayRows(const std::vector<qint64>& rows, bool sc
   }
   _selectingFromList = true;
   if (!rows.empty()) {
-    const QModelIndex current = model()->index(static_cast<int>(rows.front()), 1);
+    // The cell that the edit key opens.
+    const QModelIndex current = model()->index(static_cast<int>(rows.front()), std::min(1, lastColumn));
+    // A new current cell would otherwise scroll the table, asked for or not.
+    setAutoScroll(false);
     selectionModel()->setCurrentIndex(current, QItemSelectionModel::NoUpdate);
+    setAutoScroll(true);
     if (scroll) scrollTo(current);
   }
   selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);

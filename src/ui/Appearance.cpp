@@ -67,6 +67,7 @@ QString applicationStyleSheet(const Palette& palette) {
     QLineEdit:disabled { background: %panel; color: %secondary; }
     QLineEdit#counterField { background: transparent; border: none; padding: 0; color: %brand; }
     QLineEdit#counterField:disabled { color: %tertiary; }
+    QFileDialog QLineEdit { min-height: 24px; }
     QLineEdit#cellEditor { border: 1px solid %brand; border-radius: 6px; padding: 0 3px; }
     QMenuBar { background: %background; color: %text; spacing: 2px; padding: 2px 8px; }
     QMenuBar::item { background: transparent; padding: 4px 9px; border-radius: 6px; }
@@ -87,6 +88,8 @@ QString applicationStyleSheet(const Palette& palette) {
     QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0; }
     QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }
     QToolTip { background: %panel; color: %text; border: 1px solid %border; padding: 4px 6px; }
+    QTableView { background: %card; border: none; border-left: 1px solid %border;
+                 border-right: 1px solid %border; }
     QHeaderView { background: %panel; border: none; }
     QHeaderView::section { background: %panel; color: %secondary; border: none;
                            border-bottom: 1px solid %border; padding: 0 8px; font-weight: 600; }
@@ -99,6 +102,7 @@ QString applicationStyleSheet(const Palette& palette) {
     QDialog { background: %background; }
     QPushButton { background: %brand; color: white; border: none; border-radius: 10px;
                   padding: 7px 16px; font-weight: 600; min-width: 60px; }
+    QPushButton#secondaryButton { background: %gray; }
     QPushButton:hover { background: %hover; }
     QPushButton:pressed { background: %pressed; }
     QPushButton:disabled { background: %disabled; color: %disabledtext; }

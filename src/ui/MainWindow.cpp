@@ -32,7 +32,10 @@ Key keyOf(int key) {
 
 MainWindow::MainWindow(AmbrelAppDelegate& delegate) : _delegate(delegate) {}
 
-MainWindow::~MainWindow() = default;
+MainWindow::~MainWindow() {
+  // The focus moves once more while the controls are destroyed, when this is no longer a main window.
+  disconnect(qApp, nullptr, this, nullptr);
+}
 
 // ---- Around the window
 
@@ -137,7 +140,8 @@ void MainWindow::showWindow() {
   show();
   raise();
   activateWindow();
-  _leftPane->table()->setFocus();
+  // No field is being edited at first.
+  _content->setFocus();
 }
 
 void MainWindow::updateControls(const ControlStates& states) {

@@ -2,9 +2,15 @@
 #include "ui/PathChooser.h"
 
 #include <QApplication>
+#include <QDialogButtonBox>
+#include <QDir>
+#include <QFileInfo>
+#include <QPushButton>
 
 namespace ambrel::ui {
 namespace {
+
+constexpr QSize kChooserSize{780, 500};
 
 QString defaultTitle(PathRequest::Kind kind) {
   switch (kind) {
@@ -22,7 +28,7 @@ QString defaultTitle(PathRequest::Kind kind) {
 
 PathChooser::PathChooser(const PathRequest& request, QWidget* parent)
     : QFileDialog(parent, request.message.isEmpty() ? defaultTitle(request.kind) : request.message,
-                  request.startFolder),
+                  request.startFolder.isEmpty() ? QDir::homePath() : request.startFolder),
       _kind(request.kind) {
   setAttribute(Qt::WA_QuitOnClose, false);
   // The toolkit's own chooser opens without an event loop of its own; it must not ask about replacing either,
@@ -45,6 +51,9 @@ PathChooser::PathChooser(const PathRequest& request, QWidget* parent)
       break;
   }
   if (request.kind != PathRequest::Kind::OpenFolder) setNameFilter(nameFilter(request.extensions));
+  resize(kChooserSize);
+  if (auto* buttons = findChild<QDialogButtonBox*>())
+    buttons->button(QDialogButtonBox::Cancel)->setObjectName(QStringLiteral("secondaryButton"));
   if (!request.button.isEmpty()) setLabelText(QFileDialog::Accept, request.button);
 }
 

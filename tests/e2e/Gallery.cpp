@@ -1,0 +1,314 @@
+// SPDX-License-Identifier: Apache-2.0
+// Paints the window in its states, without a screen, at scale 1 and 2.
+//   ambrel_gallery FOLDER
+#include <QApplication>
+#include <QDir>
+#include <QFileDialog>
+#include <QImage>
+#include <QTemporaryDir>
+#include <cstdio>
+
+#include "core/base/PosixFiles.h"
+#include "support/TestClock.h"
+#include "support/TestLink.h"
+#include "ui/Appearance.h"
+#include "ui/Dialogs.h"
+#include "ui/MainWindow.h"
+#include "ui/WindowLayout.h"
+
+namespace ambrel::ui {
+namespace {
+
+constexpr quint64 kGiB = 1024ULL * 1024 * 1024;
+
+// Volumes of a size that is the same on every machine.
+class GalleryFiles : public PosixFiles {
+ public:
+  VolumeSpace volumeSpace(const QString&) override { return {freeSpace, 500 * kGiB}; }
+  quint64 freeSpace = 212 * kGiB;
+};
+
+std::vector<Row> people() {
+  return {{"Anna Kowalska", "", "4", "1"},
+          {"Ben Okafor", "front row, left", "2", ""},
+          {"Chiara Rossi", "", "0", ""},
+          {"José Álvarez", "late, comes at ten", "7", "1"},
+          {"Smith/Jones, twins", "", "0", ""},
+          {"Мария Иванова", "", "1", ""},
+          {"नेहा शर्मा", "", "0", ""},
+          {"Anna KOWALSKA", "", "0", ""},
+          {"Nguyễn Văn An", "glasses off", "3", ""},
+          {"Zoë Brontë-van der Westhuizen-Featherstonehaugh the Younger of Upper Wallop", "", "12", ""},
+          {"Omar Haddad", "", "0", ""},
+          {"Priya Raman", "", "0", ""}};
+}
+
+// A home with five tags, two of them on.
+Locations prepareHome(const QString& path) {
+  const Locations locations = Locations::below(path);
+  QVariantList tags;
+  for (const char* label : {"FR", "SS", "Indoor", "PM", "📷"}) {
+    const QString text = QString::fromUtf8(label);
+    tags << QVariantMap{{QStringLiteral("label"), text},
+                        {QStringLiteral("suffix"), QLatin1Char('_') + text},
+                        {QStringLiteral("on"), text == QLatin1String("FR") || text == QLatin1String("PM")}};
+  }
+  Preferences preferences(locations.preferencesFile);
+  preferences.setSuffixes(tags);
+  preferences.synchronize();
+  return locations;
+}
+
+// The whole application on a clock that stands still, a worker that says what it is told to, and files in a
+// temporary folder.
+class Stage {
+ public:
+  explicit Stage(const QString& folder) : _folder(folder) {
+    _dialogs.setParentWindow(&window);
+    delegate.applicationDidFinishLaunching(window);
+    _clock.advance(AmbrelAppDelegate::kSplashTime);
+  }
+  ~Stage() { delegate.applicationWillTerminate(); }
+
+  void fill(std::vector<Row> rows) {
+    delegate.list().editableGrid().replaceAll(std::move(rows));
+    delegate.list().setCsvPath(QStringLiteral("/home/kim/class of 2026.csv"));
+    delegate.list().selectSavedOrFirstCSVRow();
+    refresh();
+  }
+  void chooseFolder() {
+    const QString folder = _home.filePath(QStringLiteral("Summer school"));
+    QDir().mkpath(folder);
+    delegate.selectFolder();
+    auto* chooser = qobject_cast<QFileDialog*>(dialog());
+    chooser->setDirectory(folder);
+    static_cast<QDialog*>(chooser)->done(QDialog::Accepted);
+    refresh();
+  }
+  void connectCamera() {
+    delegate.connectCameraManual();
+    link.say("READY|OK");
+    link.say("CONNECTED|");
+    refresh();
+  }
+  void setFreeSpace(quint64 bytes) {
+    _files.freeSpace = bytes;
+    delegate.storage().updateStorageLabel();
+    QCoreApplication::processEvents();
+  }
+  void select(const std::vector<qint64>& displayRows) {
+    delegate.list().tableViewSelectionDidChange(displayRows);
+    Q_EMIT delegate.list().tableSelectionChanged(true);
+  }
+  void refresh() {
+    delegate.updatePathLabels();
+    delegate.updateControls();
+    delegate.statusLine().refreshReadyStatusIfIdle();
+  }
+  QWidget* dialog() { return _dialogs.openDialog(); }
+  Dialogs& dialogs() { return _dialogs; }
+
+  // The widget as it looks now, beside the pictures before.
+  void shoot(const QString& name, QWidget* widget = nullptr) {
+    QWidget& subject = widget ? *widget : window;
+    QCoreApplication::processEvents();
+    for (const int scale : {1, 2}) {
+      QImage picture(subject.size() * scale, QImage::Format_ARGB32_Premultiplied);
+      picture.setDevicePixelRatio(scale);
+      picture.fill(Qt::transparent);
+      subject.render(&picture, {}, {}, QWidget::DrawWindowBackground | QWidget::DrawChildren);
+      const QString file = QStringLiteral("%1/%2@%3x.png").arg(_folder, name).arg(scale);
+      if (!picture.save(file)) qFatal("cannot write %s", qPrintable(file));
+    }
+  }
+
+ private:
+  QString _folder;
+  QTemporaryDir _home;
+  Locations _locations = prepareHome(_home.path());
+  TestClock _clock;
+  Dialogs _dialogs;
+  GalleryFiles _files;
+
+ public:
+  TestLink link;
+  AmbrelAppDelegate delegate{
+      _clock, _dialogs, _files, link, {_locations, Bundle(QStringLiteral(AMBREL_BUNDLE_DIR)), [](qint64) {}}};
+  MainWindow window{delegate};
+};
+
+struct Picture {
+  const char* name;
+  std::function<void(Stage& stage, const QString& name)> take;
+};
+
+void takeListPictures(std::vector<Picture>& pictures) {
+  pictures.push_back({"empty", [](Stage& stage, const QString& name) { stage.shoot(name); }});
+  pictures.push_back({"list", [](Stage& stage, const QString& name) {
+                        stage.fill(people());
+                        stage.select({2});
+                        stage.shoot(name);
+                      }});
+  pictures.push_back({"selected_with_photos_and_note", [](Stage& stage, const QString& name) {
+                        stage.fill(people());
+                        stage.chooseFolder();
+                        stage.select({3});
+                        stage.shoot(name);
+                      }});
+  pictures.push_back({"multiple_selection", [](Stage& stage, const QString& name) {
+                        stage.fill(people());
+                        stage.chooseFolder();
+                        stage.select({1, 3, 4, 5});
+                        stage.shoot(name);
+                      }});
+  pictures.push_back({"searching", [](Stage& stage, const QString& name) {
+                        stage.fill(people());
+                        stage.window.leftPane()->searchField()->setText(QStringLiteral("an"));
+                        stage.delegate.list().setSearchText(QStringLiteral("an"));
+                        stage.refresh();
+                        stage.shoot(name);
+                      }});
+  pictures.push_back({"filtered_and_sorted", [](Stage& stage, const QString& name) {
+                        stage.fill(people());
+                        stage.delegate.list().cycleCaptureFilter();
+                        stage.delegate.list().cycleSortMode();
+                        stage.shoot(name);
+                      }});
+  pictures.push_back({"long_list", [](Stage& stage, const QString& name) {
+                        std::vector<Row> rows;
+                        for (int i = 1; i <= 100000; ++i)
+                          rows.push_back({"Person " + std::to_string(i), "", std::to_string(i % 3), ""});
+                        stage.fill(std::move(rows));
+                        stage.select({50000});
+                        stage.shoot(name);
+                      }});
+}
+
+void takeCameraPictures(std::vector<Picture>& pictures) {
+  pictures.push_back({"connecting", [](Stage& stage, const QString& name) {
+                        stage.fill(people());
+                        stage.chooseFolder();
+                        stage.delegate.connectCameraManual();
+                        stage.shoot(name);
+                      }});
+  pictures.push_back({"watching", [](Stage& stage, const QString& name) {
+                        stage.fill(people());
+                        stage.chooseFolder();
+                        stage.connectCamera();
+                        stage.shoot(name);
+                      }});
+  pictures.push_back({"error", [](Stage& stage, const QString& name) {
+                        stage.fill(people());
+                        stage.chooseFolder();
+                        stage.delegate.statusLine().setStatus(
+                            QStringLiteral("Camera disconnected. Retrying..."), StatusKind::Error);
+                        stage.shoot(name);
+                      }});
+  pictures.push_back({"storage_low", [](Stage& stage, const QString& name) {
+                        stage.fill(people());
+                        stage.setFreeSpace(31 * kGiB);
+                        stage.shoot(name);
+                      }});
+  pictures.push_back({"storage_critical", [](Stage& stage, const QString& name) {
+                        stage.fill(people());
+                        stage.setFreeSpace(9 * kGiB + kGiB / 2);
+                        stage.shoot(name);
+                        stage.shoot(name + QStringLiteral("_alert"), stage.dialog());
+                      }});
+}
+
+void takeDialogPictures(std::vector<Picture>& pictures) {
+  pictures.push_back({"settings", [](Stage& stage, const QString& name) {
+                        stage.fill(people());
+                        stage.chooseFolder();
+                        stage.window.settingsPopover()->toggleSettingsPopover(
+                            stage.window.topPanel()->gearButton());
+                        stage.shoot(name);
+                      }});
+  pictures.push_back({"dialog_import", [](Stage& stage, const QString& name) {
+                        stage.fill(people());
+                        stage.dialogs().ask(
+                            {QStringLiteral("Replace current list?"),
+                             QStringLiteral("Importing replaces every name and note currently "
+                                            "in the list. Use Export first if you want to keep "
+                                            "them."),
+                             {QStringLiteral("Replace"), QStringLiteral("Cancel")}},
+                            [](const Answer&) {});
+                        stage.shoot(name, stage.dialog());
+                      }});
+  pictures.push_back({"dialog_tags", [](Stage& stage, const QString& name) {
+                        stage.delegate.tags().manageSuffixes();
+                        stage.shoot(name, stage.dialog());
+                      }});
+  pictures.push_back({"dialog_chooser", [](Stage& stage, const QString& name) {
+                        stage.delegate.selectFolder();
+                        stage.shoot(name, stage.dialog());
+                      }});
+  pictures.push_back({"dialog_save", [](Stage& stage, const QString& name) {
+                        stage.fill(people());
+                        stage.delegate.listTransfer().exportGrid();
+                        stage.shoot(name, stage.dialog());
+                      }});
+  pictures.push_back({"menus", [](Stage& stage, const QString& name) {
+                        for (QAction* action : stage.window.menuBar()->actions()) {
+                          action->menu()->adjustSize();
+                          stage.shoot(
+                              name + QLatin1Char('_') + action->text().section(QLatin1Char(' '), 0, 0),
+                              action->menu());
+                        }
+                      }});
+}
+
+void takeSizePictures(std::vector<Picture>& pictures) {
+  pictures.push_back({"minimum_size", [](Stage& stage, const QString& name) {
+                        stage.fill(people());
+                        stage.chooseFolder();
+                        stage.connectCamera();
+                        stage.window.resize(stage.window.minimumSizeHint());
+                        stage.shoot(name);
+                      }});
+  pictures.push_back({"huge_size", [](Stage& stage, const QString& name) {
+                        stage.fill(people());
+                        stage.window.resize(2400, 1400);
+                        stage.shoot(name);
+                      }});
+  pictures.push_back({"splash", [](Stage& stage, const QString& name) {
+                        Splash splash(QStringLiteral("7.04"),
+                                      firstImageThatLoads(stage.delegate.resourcesNamedAny(
+                                          {QStringLiteral("ambrel_splash_mark.png")})));
+                        stage.shoot(name, &splash);
+                        Splash plain(QStringLiteral("7.04"), {});
+                        stage.shoot(name + QStringLiteral("_without_mark"), &plain);
+                      }});
+}
+
+int run(const QString& folder) {
+  if (!QDir().mkpath(folder)) return 1;
+  std::vector<Picture> pictures;
+  takeListPictures(pictures);
+  takeCameraPictures(pictures);
+  takeDialogPictures(pictures);
+  takeSizePictures(pictures);
+  for (const Picture& picture : pictures) {
+    Stage stage(folder);
+    picture.take(stage, QString::fromLatin1(picture.name));
+  }
+  std::printf("%lld pictures written\n",
+              static_cast<long long>(QDir(folder).entryList({QStringLiteral("*.png")}).size()));
+  return 0;
+}
+
+}  // namespace
+}  // namespace ambrel::ui
+
+int main(int argc, char** argv) {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  QApplication application(argc, argv);
+  QApplication::setQuitOnLastWindowClosed(false);
+  ambrel::ui::applyApplicationAppearance(application);
+  if (argc != 2) {
+    std::fputs("usage: ambrel_gallery FOLDER\n", stderr);
+    return 2;
+  }
+  return ambrel::ui::run(QDir(QString::fromLocal8Bit(argv[1])).absolutePath());
+}
