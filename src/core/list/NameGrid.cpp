@@ -38,6 +38,7 @@ void NameGrid::setBytes(std::int64_t modelRow, Cell cell, std::string value) {
   row[index] = std::move(value);
   if (_changes.rows.size() == kMostChangesTold) _changes = {true};
   if (!_changes.everything) _changes.rows.push_back(modelRow);
+  if (cell == Cell::Name) ++_namesRevision;
 }
 
 std::int64_t NameGrid::capturedForModelRow(std::int64_t modelRow) const {
@@ -74,22 +75,26 @@ std::set<QString> NameGrid::duplicateNameSet() const {
 void NameGrid::append(Row row) {
   _rows.push_back(std::move(row));
   _changes = {true};
+  ++_namesRevision;
 }
 
 void NameGrid::insert(std::int64_t position, Row row) {
   _changes = {true};
   _rows.insert(_rows.begin() + std::clamp<std::int64_t>(position, 0, rowCount()), std::move(row));
+  ++_namesRevision;
 }
 
 void NameGrid::remove(std::int64_t modelRow) {
   if (!contains(modelRow)) return;
   _rows.erase(_rows.begin() + modelRow);
   _changes = {true};
+  ++_namesRevision;
 }
 
 void NameGrid::replaceAll(std::vector<Row> rows) {
   _rows = std::move(rows);
   _changes = {true};
+  ++_namesRevision;
 }
 
 GridChanges NameGrid::takeChanges() {

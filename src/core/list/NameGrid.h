@@ -45,6 +45,8 @@ class NameGrid {
 
   // Lower-cased names (Unicode) that two or more rows share; empty names do not count.
   std::set<QString> duplicateNameSet() const;
+  // Another number after every change that can alter what duplicateNameSet() gives.
+  std::uint64_t namesRevision() const { return _namesRevision; }
 
   void append(Row row);
   void insert(std::int64_t position, Row row);  // position clamped to 0..rowCount
@@ -58,6 +60,7 @@ class NameGrid {
  private:
   std::vector<Row> _rows;
   GridChanges _changes = {true};
+  std::uint64_t _namesRevision = 0;
 };
 
 }  // namespace ambrel

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
+#include <utility>
 
 #include "core/list/NameGrid.h"
 
@@ -151,6 +152,28 @@ TEST(NameGrid, TellsThatEverythingChangedWhenRowsComeOrGoOrManyChange) {
   EXPECT_EQ(grid.takeChanges(), GridChanges{true});
   grid.clear();
   EXPECT_EQ(grid.takeChanges(), GridChanges{true});
+}
+
+TEST(NameGrid, GivesAnotherNamesRevisionAfterEveryChangeOfNamesAndOnlyThen) {
+  NameGrid grid;
+  std::uint64_t last = grid.namesRevision();
+  const auto moved = [&] { return std::exchange(last, grid.namesRevision()) != grid.namesRevision(); };
+  grid.append({"Anna"});
+  EXPECT_TRUE(moved());
+  grid.insert(0, {"Ben"});
+  EXPECT_TRUE(moved());
+  grid.setBytes(0, Cell::Name, "Cara");
+  EXPECT_TRUE(moved());
+  grid.setCaptured(3, 0);
+  grid.setMarker(true, 0);
+  grid.setBytes(0, Cell::Note, "front row");
+  EXPECT_FALSE(moved());
+  grid.remove(0);
+  EXPECT_TRUE(moved());
+  grid.replaceAll({{"Dora"}});
+  EXPECT_TRUE(moved());
+  grid.clear();
+  EXPECT_TRUE(moved());
 }
 
 }  // namespace
