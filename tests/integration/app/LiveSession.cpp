@@ -68,9 +68,9 @@ bool LiveSession::waitUntil(const std::function<bool()>& done, std::chrono::seco
 
 QStringList LiveSession::filesBelowTarget() const {
   QStringList found;
-  QDirIterator files(target(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-  while (files.hasNext())
-    found.append(files.next());
+  QDirIterator walk(target(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+  while (walk.hasNext())
+    found.append(walk.next());
   found.sort();
   return found;
 }
