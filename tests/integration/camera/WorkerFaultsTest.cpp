@@ -113,13 +113,15 @@ TEST_F(WorkerFaults, AsksABusyCameraAgainForItsEvents) {
   EXPECT_EQ(worker->count("DISCONNECTED|"), 0);
 }
 
-TEST_F(WorkerFaults, WarnsOfAMissingCardAndSavesWhatIsTakenWithoutOne) {
+TEST_F(WorkerFaults, WarnsOfAMissingCardAndGoesOnWhenThereIsOne) {
   camera.command("card in=0");
   start("both");
   worker->send("CONNECT|both");
   worker->waitFor("WARN|CARD_MISSING|");
   worker->waitFor("CONNECTED|");
   worker->watch();
+  camera.command("card in=1");
+  worker->waitFor("STATUS|checking camera memory card");
   camera.command(kSmallPhoto);
   EXPECT_EQ(waitForPhotos(1), takenPhotos());
 }
