@@ -29,14 +29,16 @@ bool CaptureLedger::announced(const CameraFile& file) {
 bool CaptureLedger::beginsExposure(const CameraFile& file) {
   Exposure& exposure = _exposures[file.inHostMemory() ? kInHostMemory : stemOf(file)];
   const bool raw = isRawName(file.name);
-  const bool continues = raw ? exposure.hasFinished && !exposure.hasRaw : exposure.hasRaw && !exposure.hasFinished;
+  const bool continues =
+      raw ? exposure.hasFinished && !exposure.hasRaw : exposure.hasRaw && !exposure.hasFinished;
   if (!continues) exposure = {};
   (raw ? exposure.hasRaw : exposure.hasFinished) = true;
   return !continues;
 }
 
 void CaptureLedger::startFrom(const std::vector<CameraFile>& listing) {
-  for (const CameraFile& file : listing) _known.insert(identity(file));
+  for (const CameraFile& file : listing)
+    _known.insert(identity(file));
 }
 
 std::vector<CameraFile> CaptureLedger::unannounced(const std::vector<CameraFile>& listing) {

@@ -55,7 +55,8 @@ void CommandLoop::takeCommands(milliseconds wait) {
     obey(command);
     wait = milliseconds(0);
   }
-  while (!_ending && takeLine(wait)) wait = milliseconds(0);
+  while (!_ending && takeLine(wait))
+    wait = milliseconds(0);
 }
 
 bool CommandLoop::takeLine(milliseconds wait) {
@@ -71,16 +72,15 @@ bool CommandLoop::takeLine(milliseconds wait) {
   return true;
 }
 
-// In the middle of a camera operation: whatever needs the camera waits for the end of it, and everything behind it
-// waits too.
+// In the middle of a camera operation: whatever needs the camera waits for the end of it, and everything
+// behind it waits too.
 void CommandLoop::takeCommandsBetween(milliseconds wait) {
   while (!_ending) {
     const LineSource::Next next = _lines.next(wait);
     wait = milliseconds(0);
     if (next.kind == LineSource::Kind::Nothing) return;
-    const std::optional<Command> command = next.kind == LineSource::Kind::End
-                                               ? Command{Command::Kind::Quit}
-                                               : protocol::parseCommand(next.line);
+    const std::optional<Command> command =
+        next.kind == LineSource::Kind::End ? Command{Command::Kind::Quit} : protocol::parseCommand(next.line);
     if (!command) continue;
     const bool isQuit = command->kind == Command::Kind::Quit;
     const bool sparesCamera =
@@ -188,6 +188,7 @@ void CommandLoop::setSaveDest(const std::string& modeWord) {
   say(Message::Kind::Status, "setting save destination");
   Outcome<> done = patiently([&] { return _camera.confirmSaveMode(*mode); });
   if (done) done = warnIfCardIsMissing();
+  if (done && _state == State::Watching) done = startFromCard();
   if (!done) cameraFailed(done.failure());
 }
 
@@ -212,14 +213,15 @@ bool CommandLoop::pollCamera() {
 void CommandLoop::handle(const CameraEvent& event) {
   switch (event.kind) {
     case CameraEvent::Kind::FileAdded:
+      _announced = true;
       _lookAt.reset();
       _cardRoom.reset();
       _quietSince = _lines.now();
       return fileAdded(event.file);
     case CameraEvent::Kind::CaptureComplete:
       _ledger.captureComplete();
-      // Should no file be announced for it, the card will tell.
-      _lookAt = _lines.now() + kAnnouncementDelay;
+      // Should its file not be announced, the card will tell.
+      if (!std::exchange(_announced, false)) _lookAt = _lines.now() + kAnnouncementDelay;
       return;
     case CameraEvent::Kind::CardChanged:
       return cardChanged();
@@ -244,7 +246,8 @@ void CommandLoop::found(const CameraFile& file) {
   }
 }
 
-// In mode "card" a photo stays where it is; but one that no card took, because there is none, exists only here.
+// In mode "card" a photo stays where it is; but one that no card took, because there is none, exists only
+// here.
 void CommandLoop::fetch(const CameraFile& file) {
   if (_saveMode == SaveMode::Card && !file.inHostMemory()) return;
   const Outcome<std::string> path = download(file);
@@ -270,8 +273,7 @@ Outcome<std::string> CommandLoop::download(const CameraFile& file) {
 void CommandLoop::downloadFailed(const CameraFile& file, const Failure& failure) {
   const char* where = file.inHostMemory() ? "the photo is lost, the camera kept no copy"
                                           : "the photo stays on the camera's card";
-  say(Message::Kind::Error,
-      "download failed: " + safeName(file.name) + ": " + failure.reason + "; " + where);
+  say(Message::Kind::Error, "download failed: " + safeName(file.name) + ": " + failure.reason + "; " + where);
   if (failure.kind == Failure::Kind::Lost || failure.kind == Failure::Kind::NotFound) lost(failure.reason);
 }
 
@@ -314,6 +316,7 @@ void CommandLoop::lookAtCardWhenDue() {
 
 void CommandLoop::lookAtCard() {
   _lookAt.reset();
+  _cardRoom.reset();
   const Outcome<std::vector<CameraFile>> listing = patiently([this] { return _camera.newestCardFolder(); });
   if (!listing) return cameraFailed(listing.failure());
   for (const CameraFile& file : _ledger.unannounced(listing.value())) {

@@ -14,8 +14,8 @@
 
 namespace ambrel::camera {
 
-// How often the camera is asked for events between commands: watching, a photo should be seen at once; idle, the
-// camera is only kept awake and its captures are counted.
+// How often the camera is asked for events between commands: watching, a photo should be seen at once; idle,
+// the camera is only kept awake and its captures are counted.
 constexpr std::chrono::milliseconds kWatchingPause{20};
 constexpr std::chrono::milliseconds kIdlePause{60};
 constexpr std::chrono::milliseconds kNoCameraPause{1000};
@@ -91,11 +91,13 @@ class CommandLoop {
   SaveMode _saveMode;
   bool _ending = false;
   Time _endingSince;
-  std::deque<protocol::Command> _waiting;  // commands that came during a camera operation and wait for its end
+  std::deque<protocol::Command>
+      _waiting;  // commands that came during a camera operation and wait for its end
 
   CaptureLedger _ledger;
   Time _quietSince;                        // when a photo last came, or the card was last asked
-  std::optional<Time> _lookAt;             // when the card is to be looked at
+  bool _announced = false;                 // a file, since the last exposure that was over
+  std::optional<Time> _lookAt;             // when to ask the card for what was not announced
   std::optional<std::uint64_t> _cardRoom;  // KiB, while the ledger holds all that is on the card
 };
 

@@ -30,8 +30,8 @@ Failure localError(int error) {
   return local(std::strerror(error));
 }
 
-// Keeps room for the photo before the camera is asked for it, so that a full disk costs no transfer. Where the
-// file system cannot reserve, its free space has to do.
+// Keeps room for the photo before the camera is asked for it, so that a full disk costs no transfer. Where
+// the file system cannot reserve, its free space has to do.
 int reserveRoom(int fd, std::uint64_t size) {
   if (size == 0) return 0;
 #if defined(__linux__)
@@ -92,7 +92,8 @@ bool isPartFileName(std::string_view name) {
 }
 
 void DownloadFolder::use(std::string path) {
-  while (path.size() > 1 && path.back() == '/') path.pop_back();
+  while (path.size() > 1 && path.back() == '/')
+    path.pop_back();
   _path = std::move(path);
   std::error_code error;
   for (std::filesystem::directory_iterator entry(_path, error), end; !error && entry != end;

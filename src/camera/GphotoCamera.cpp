@@ -4,10 +4,11 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <gphoto2/gphoto2-setting.h>
 #include <utility>
 
-#include "camera/OpenSockets.h"
+#include <gphoto2/gphoto2-setting.h>
+
+#include "camera/Descriptors.h"
 
 namespace ambrel::camera {
 namespace {
@@ -78,8 +79,7 @@ int takeBytes(void* priv, unsigned char* data, std::uint64_t* length) {
 
 }  // namespace
 
-GphotoCamera::GphotoCamera(std::string port, Watchdog& watchdog,
-                           std::function<void(const std::string&)> log)
+GphotoCamera::GphotoCamera(std::string port, Watchdog& watchdog, std::function<void(const std::string&)> log)
     : _port(std::move(port)), _watchdog(watchdog), _log(std::move(log)), _context(gp_context_new()) {}
 
 GphotoCamera::~GphotoCamera() {
@@ -164,8 +164,7 @@ Outcome<> GphotoCamera::setTarget(::CameraWidget* widget, SaveMode mode) {
     gp_widget_get_choice(widget, i, &choice);
     if (choice == nullptr || !contains(choice, wanted)) continue;
     gp_widget_set_value(widget, choice);
-    const int result =
-        gp_camera_set_single_config(_camera.get(), "capturetarget", widget, _context.get());
+    const int result = gp_camera_set_single_config(_camera.get(), "capturetarget", widget, _context.get());
     if (result < GP_OK) return failureFor(result);
     break;
   }
@@ -187,8 +186,7 @@ Outcome<CameraEvent> GphotoCamera::waitForEvent() {
   const Watchdog::Deadline deadline(_watchdog, "waiting for a photo", kCallLimit);
   CameraEventType type = GP_EVENT_TIMEOUT;
   void* data = nullptr;
-  const int result =
-      gp_camera_wait_for_event(_camera.get(), kEventWaitMs, &type, &data, _context.get());
+  const int result = gp_camera_wait_for_event(_camera.get(), kEventWaitMs, &type, &data, _context.get());
   const std::unique_ptr<void, decltype(&std::free)> owned(data, &std::free);
   if (result < GP_OK) return failureFor(result);
   switch (type) {
@@ -251,7 +249,8 @@ Outcome<std::uint64_t> GphotoCamera::cardFreeKib() {
   if (result == GP_ERROR_NOT_SUPPORTED) return std::uint64_t{0};
   if (result < GP_OK) return failureFor(result);
   std::uint64_t total = 0;
-  for (int i = 0; i < count; ++i) total += storages[i].freekbytes;
+  for (int i = 0; i < count; ++i)
+    total += storages[i].freekbytes;
   return total;
 }
 
@@ -261,6 +260,8 @@ Outcome<> GphotoCamera::reopen() {
   return confirmSaveMode(_mode);
 }
 
+// The library reads a folder from the camera once in a session and adds to it what is announced. What is not
+// announced shows in a new session only.
 Outcome<std::vector<CameraFile>> GphotoCamera::newestCardFolder() {
   if (_listed) {
     if (Outcome<> fresh = reopen(); !fresh) return fresh.failure();
@@ -312,6 +313,7 @@ void GphotoCamera::close() {
   gp_camera_exit(_camera.get(), _context.get());
   _camera.reset();
   closeInternetSocketsBut(_ourSockets);
+  occupyStandardInput();
 }
 
 }  // namespace ambrel::camera

@@ -66,7 +66,7 @@ class GphotoCamera : public Camera {
   std::string _model;
   std::string _where;
   SaveMode _mode = SaveMode::Both;
-  bool _listed = false;      // this session's listings are cached by the library from now on
+  bool _listed = false;       // this session's listings are cached by the library from now on
   std::set<int> _ourSockets;  // those that were open before the session
 };
 

@@ -27,8 +27,10 @@ void LineInput::wait(std::chrono::milliseconds timeout) {
   const auto until = now() + timeout;
   while (true) {
     std::vector<pollfd> waited{{_fd, POLLIN, 0}};
-    for (const int fd : _ending) waited.push_back({fd, POLLIN, 0});
-    for (const Served& served : _served) waited.push_back({served.fd, POLLIN, 0});
+    for (const int fd : _ending)
+      waited.push_back({fd, POLLIN, 0});
+    for (const Served& served : _served)
+      waited.push_back({served.fd, POLLIN, 0});
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - now());
     const int count = poll(waited.data(), waited.size(), static_cast<int>(std::max(left.count(), 0L)));
     if (count < 0 && errno == EINTR) continue;

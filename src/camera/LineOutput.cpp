@@ -12,7 +12,8 @@ namespace ambrel::camera {
 
 void LineOutput::say(const protocol::Message& message) {
   std::string line = protocol::encode(message);
-  std::replace_if(line.begin(), line.end(), [](char c) { return c == '\n' || c == '\r' || c == '\0'; }, ' ');
+  std::replace_if(
+      line.begin(), line.end(), [](char c) { return c == '\n' || c == '\r' || c == '\0'; }, ' ');
   line.push_back('\n');
   std::string_view rest = line;
   while (!rest.empty()) {

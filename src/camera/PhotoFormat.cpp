@@ -74,7 +74,8 @@ std::string nameForFormat(std::string_view name, PhotoFormat format) {
   for (const FormatNames& known : kFormatNames) {
     if (known.format != format) continue;
     if (extension == known.extension) break;
-    if (!extension.empty() && std::count(known.alsoRight.begin(), known.alsoRight.end(), extension) > 0) break;
+    if (!extension.empty() && std::count(known.alsoRight.begin(), known.alsoRight.end(), extension) > 0)
+      break;
     std::string right(known.extension);
     const bool lower = !given.empty() && std::islower(static_cast<unsigned char>(given.front())) != 0;
     if (lower) {
@@ -88,7 +89,8 @@ std::string nameForFormat(std::string_view name, PhotoFormat format) {
 }
 
 bool endsLikeJpeg(std::span<const unsigned char> tail) {
-  while (!tail.empty() && tail.back() == 0) tail = tail.first(tail.size() - 1);
+  while (!tail.empty() && tail.back() == 0)
+    tail = tail.first(tail.size() - 1);
   return tail.size() >= 2 && tail[tail.size() - 2] == 0xFF && tail.back() == 0xD9;
 }
 

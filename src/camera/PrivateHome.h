@@ -5,8 +5,8 @@
 
 namespace ambrel::camera {
 
-// A home folder of this process alone, for the settings that the camera library keeps there: two workers, or a
-// worker and another program, would change them under each other. Removed at the end; what a killed worker
+// A home folder of this process alone, for the settings that the camera library keeps there: two workers, or
+// a worker and another program, would change them under each other. Removed at the end; what a killed worker
 // left behind is removed at the next start.
 class PrivateHome {
  public:

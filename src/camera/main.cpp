@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <csignal>
 #include <cstdlib>
-#include <gphoto2/gphoto2-version.h>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <sys/signalfd.h>
 #include <unistd.h>
+
+#include <gphoto2/gphoto2-version.h>
 
 #include "camera/CommandLoop.h"
 #include "camera/DownloadFolder.h"
@@ -14,7 +15,7 @@
 #include "camera/LineInput.h"
 #include "camera/LineOutput.h"
 #include "camera/PrivateHome.h"
-#include "camera/StrayOutput.h"
+#include "camera/StandardStreams.h"
 #include "camera/Watchdog.h"
 
 namespace {
@@ -31,11 +32,13 @@ std::string environment(const char* name) {
   return value != nullptr ? value : "";
 }
 
-// A request to end the process becomes something to read, so that it is met between two calls and never within.
+// A request to end the process becomes something to read, so that it is met between two calls and never
+// within.
 int terminationRequests() {
   sigset_t requests;
   sigemptyset(&requests);
-  for (const int request : {SIGTERM, SIGINT, SIGHUP}) sigaddset(&requests, request);
+  for (const int request : {SIGTERM, SIGINT, SIGHUP})
+    sigaddset(&requests, request);
   sigprocmask(SIG_BLOCK, &requests, nullptr);
   return signalfd(-1, &requests, SFD_CLOEXEC);
 }
@@ -55,14 +58,14 @@ int main(int argc, char** argv) {
   setenv("LC_ALL", "C", 1);
   const int termination = terminationRequests();
   const PrivateHome home;
-  StrayOutput stray;
-  LineOutput output(stray.realOutput());
+  StandardStreams streams;
+  LineOutput output(streams.output());
   const auto log = [&](std::string_view text) { output.say({Message::Kind::Log, std::string(text)}); };
 
-  LineInput input(STDIN_FILENO);
+  LineInput input(streams.input());
   input.endOn(termination);
-  input.alsoServe(stray.readEnd(), [&] { stray.drain(log); });
-  Watchdog watchdog({{STDIN_FILENO, 0, 0}, {termination, POLLIN, 0}}, [&](const std::string& reason) {
+  input.alsoServe(streams.readEnd(), [&] { streams.drain(log); });
+  Watchdog watchdog({{streams.input(), 0, 0}, {termination, POLLIN, 0}}, [&](const std::string& reason) {
     output.trySay({Message::Kind::Error, "camera worker stopped: " + reason}, kLastWordPatience);
     home.remove();
     _exit(kExitHung);

@@ -273,6 +273,13 @@ void AmbrelAppDelegate::toggleAutoConnect() {
   _camera.toggleAutoConnect();
 }
 
+void AmbrelAppDelegate::tableClicked() {
+  savePersistentPaths();
+  if (!_list.showSelectionTotalsIfMultiple()) _statusLine.refreshReadyStatusIfIdle();
+  updatePathLabels();
+  updateControls();
+}
+
 // ---- What the window shows beside the subsystems' own state
 
 void AmbrelAppDelegate::updatePathLabels() {

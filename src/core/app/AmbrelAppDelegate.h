@@ -77,6 +77,7 @@ class AmbrelAppDelegate : public QObject {
   void disconnectCamera();
   void forceCameraReconnect();
   void toggleAutoConnect();
+  void tableClicked();  // after the table's selection has taken in the click
 
   void updatePathLabels();
   void updateControls();

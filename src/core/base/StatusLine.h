@@ -57,7 +57,7 @@ class StatusLine : public QObject {
   QString _lastFriendlyStatus = QStringLiteral("Starting Ambrel Tether...");
   StatusKind _lastStatusKind = StatusKind::Busy;
   bool _statusIsReadiness = false;
-  quint64 _statusRevertGen = 0;
+  Clock::TimerId _revertTimer = Clock::kNoTimer;  // of the newest message only
 };
 
 }  // namespace ambrel

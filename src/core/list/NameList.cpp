@@ -159,7 +159,7 @@ bool NameList::showSelectionTotalsIfMultiple() {
 }
 
 bool NameList::saveGridToDisk() {
-  return _store.save(_grid.rows());
+  return _store.save(_grid);
 }
 
 bool NameList::loadGridFromDisk() {

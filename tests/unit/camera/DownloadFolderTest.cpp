@@ -153,7 +153,8 @@ TEST_F(DownloadFolder, RemovesOnlyWhatADeadWorkerLeft) {
   const int held = open(folder.file(".ambrel-4711-2.part").c_str(), O_RDWR);
   flock(held, LOCK_EX);
   target.use(folder.path() + "/");
-  EXPECT_EQ(folder.names(), (std::vector<std::string>{".ambrel-4711-2.part", ".ambrel-backup.part", "IMG_0001.JPG"}));
+  EXPECT_EQ(folder.names(),
+            (std::vector<std::string>{".ambrel-4711-2.part", ".ambrel-backup.part", "IMG_0001.JPG"}));
   close(held);
 }
 

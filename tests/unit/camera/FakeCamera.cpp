@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "FakeCamera.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace ambrel::camera::test {
@@ -91,21 +92,27 @@ Outcome<CameraEvent> FakeCamera::waitForEvent() {
 Outcome<> FakeCamera::download(const CameraFile& file, PhotoSink& sink) {
   if (auto loss = lossNow()) return *loss;
   fetched.push_back(file.name);
-  duringDownload();
-  if (auto failure = take(downloadFailures)) return *failure;
-  for (const Stored& photo : _photos) {
-    if (!(photo.file == file)) continue;
-    const auto* bytes = reinterpret_cast<const unsigned char*>(photo.content.data());
-    if (!sink.write({bytes, photo.content.size()})) return Failure{Failure::Kind::Stopped, "stopped"};
-    return Done{};
+  const auto photo =
+      std::find_if(_photos.begin(), _photos.end(), [&](const Stored& stored) { return stored.file == file; });
+  if (photo == _photos.end()) return Failure{Failure::Kind::Lost, "no such file"};
+  const std::span<const unsigned char> bytes(reinterpret_cast<const unsigned char*>(photo->content.data()),
+                                             photo->content.size());
+  const std::size_t piece = (bytes.size() + pieces - 1) / pieces;
+  for (std::size_t at = 0; at < bytes.size(); at += piece) {
+    duringDownload();
+    if (auto failure = take(downloadFailures)) return *failure;
+    if (!sink.write(bytes.subspan(at, std::min(piece, bytes.size() - at)))) {
+      return Failure{Failure::Kind::Stopped, "the worker was asked to end"};
+    }
   }
-  return Failure{Failure::Kind::Lost, "no such file"};
+  return Done{};
 }
 
 Outcome<std::uint64_t> FakeCamera::cardFreeKib() {
   if (auto loss = lossNow()) return *loss;
   std::uint64_t used = 0;
-  for (const Stored& photo : _photos) used += photo.at <= _channel.elapsed() ? 1 : 0;
+  for (const Stored& photo : _photos)
+    used += photo.at <= _channel.elapsed() ? 1 : 0;
   return kWholeCardKib - used;
 }
 

@@ -16,7 +16,8 @@ namespace ambrel::camera::test {
 
 using std::chrono::milliseconds;
 
-// Commands that come at set times, a clock that advances only when the loop waits, and everything that was said.
+// Commands that come at set times, a clock that advances only when the loop waits, and everything that was
+// said.
 class FakeChannel : public LineSource, public MessageSink {
  public:
   void send(milliseconds at, std::string line) { _script.push_back({Time{} + at, std::move(line)}); }
@@ -66,6 +67,8 @@ class FakeCamera : public Camera {
   int listings = 0;
   std::vector<SaveMode> modes;
   std::vector<std::string> fetched;
+  // A photo comes in this many pieces, and this is called before each.
+  std::size_t pieces = 1;
   std::function<void()> duringDownload = [] {};
 
   Outcome<std::string> find() override;

@@ -14,16 +14,28 @@ std::vector<unsigned char> bytes(const std::string& text) {
 
 TEST(PhotoFormat, IsReadFromTheFirstBytes) {
   EXPECT_EQ(formatOf(bytes("\xFF\xD8\xFF\xE1....")), PhotoFormat::Jpeg);
-  EXPECT_EQ(formatOf(bytes(std::string("\0\0\0\x18" "ftypcrx ", 12))), PhotoFormat::Cr3);
-  EXPECT_EQ(formatOf(bytes(std::string("\0\0\0\x18" "ftypheic", 12))), PhotoFormat::Heif);
-  EXPECT_EQ(formatOf(bytes(std::string("\0\0\0\x18" "ftypmif1", 12))), PhotoFormat::Heif);
+  EXPECT_EQ(formatOf(bytes(std::string("\0\0\0\x18"
+                                       "ftypcrx ",
+                                       12))),
+            PhotoFormat::Cr3);
+  EXPECT_EQ(formatOf(bytes(std::string("\0\0\0\x18"
+                                       "ftypheic",
+                                       12))),
+            PhotoFormat::Heif);
+  EXPECT_EQ(formatOf(bytes(std::string("\0\0\0\x18"
+                                       "ftypmif1",
+                                       12))),
+            PhotoFormat::Heif);
   EXPECT_EQ(formatOf(bytes(std::string("II*\0\x10\0\0\0CR\x02\0", 12))), PhotoFormat::Cr2);
 }
 
 TEST(PhotoFormat, IsUnknownForAnythingElse) {
   EXPECT_EQ(formatOf({}), PhotoFormat::Unknown);
   EXPECT_EQ(formatOf(bytes("\xFF\xD8")), PhotoFormat::Unknown);
-  EXPECT_EQ(formatOf(bytes(std::string("\0\0\0\x18" "ftypqt  ", 12))), PhotoFormat::Unknown);
+  EXPECT_EQ(formatOf(bytes(std::string("\0\0\0\x18"
+                                       "ftypqt  ",
+                                       12))),
+            PhotoFormat::Unknown);
   EXPECT_EQ(formatOf(bytes(std::string("II*\0\x10\0\0\0....", 12))), PhotoFormat::Unknown);
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
+#include <utility>
 
 #include "core/list/NameGrid.h"
 
@@ -124,6 +125,55 @@ TEST(NameGrid, RemovesOneRow) {
   NameGrid grid = gridOf({{"a"}, {"b"}, {"c"}});
   grid.remove(1);
   EXPECT_EQ(grid.rows(), (std::vector<Row>{{"a"}, {"c"}}));
+}
+
+TEST(NameGrid, TellsOnceWhichRowsChanged) {
+  NameGrid grid = gridOf({{"a"}, {"b"}, {"c"}});
+  EXPECT_EQ(grid.takeChanges(), GridChanges{true});
+  EXPECT_EQ(grid.takeChanges(), GridChanges{});
+  grid.setCaptured(1, 2);
+  grid.setMarker(true, 0);
+  EXPECT_EQ(grid.takeChanges(), (GridChanges{false, {2, 0}}));
+  EXPECT_EQ(grid.takeChanges(), GridChanges{});
+}
+
+TEST(NameGrid, TellsThatEverythingChangedWhenRowsComeOrGoOrManyChange) {
+  NameGrid grid = gridOf({{"a"}, {"b"}});
+  (void)grid.takeChanges();
+  grid.append({"c"});
+  EXPECT_EQ(grid.takeChanges(), GridChanges{true});
+  grid.insert(0, {"d"});
+  EXPECT_EQ(grid.takeChanges(), GridChanges{true});
+  grid.remove(0);
+  grid.setCaptured(1, 0);
+  EXPECT_EQ(grid.takeChanges(), GridChanges{true});
+  for (int i = 0; i < 1000; ++i)
+    grid.setCaptured(i, i % 2);
+  EXPECT_EQ(grid.takeChanges(), GridChanges{true});
+  grid.clear();
+  EXPECT_EQ(grid.takeChanges(), GridChanges{true});
+}
+
+TEST(NameGrid, GivesAnotherNamesRevisionAfterEveryChangeOfNamesAndOnlyThen) {
+  NameGrid grid;
+  std::uint64_t last = grid.namesRevision();
+  const auto moved = [&] { return std::exchange(last, grid.namesRevision()) != grid.namesRevision(); };
+  grid.append({"Anna"});
+  EXPECT_TRUE(moved());
+  grid.insert(0, {"Ben"});
+  EXPECT_TRUE(moved());
+  grid.setBytes(0, Cell::Name, "Cara");
+  EXPECT_TRUE(moved());
+  grid.setCaptured(3, 0);
+  grid.setMarker(true, 0);
+  grid.setBytes(0, Cell::Note, "front row");
+  EXPECT_FALSE(moved());
+  grid.remove(0);
+  EXPECT_TRUE(moved());
+  grid.replaceAll({{"Dora"}});
+  EXPECT_TRUE(moved());
+  grid.clear();
+  EXPECT_TRUE(moved());
 }
 
 }  // namespace

@@ -317,7 +317,7 @@ TEST_F(NameListTest, GoesOnWhenTheStoreCannotBeWritten) {
 }
 
 TEST_F(NameListTest, LoadsTheStoreAndLeavesSelectionAndOrderToTheCaller) {
-  store.save({{"Anna", "n", "3", "1"}});
+  storeHolds({{"Anna", "n", "3", "1"}});
   EXPECT_TRUE(list.loadGridFromDisk());
   EXPECT_EQ(list.grid().rows(), (Rows{{"Anna", "n", "3", "1"}}));
   EXPECT_TRUE(list.filteredRows().empty());
@@ -333,7 +333,7 @@ TEST_F(NameListTest, LeavesTheListWhenThereIsNoStore) {
 
 TEST_F(NameListTest, EmptiesTheListWhenTheStoreCannotBeReadOrHoldsNoRow) {
   startWith({{"Ben"}});
-  store.save({});
+  storeHolds({});
   EXPECT_FALSE(list.loadGridFromDisk());
   EXPECT_TRUE(list.grid().isEmpty());
   store.remove();

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "camera/OpenSockets.h"
+#include "camera/Descriptors.h"
 
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <string>
 #include <sys/socket.h>
@@ -27,6 +28,13 @@ void closeInternetSocketsBut(const std::set<int>& kept) {
   for (const int fd : openInternetSockets()) {
     if (kept.count(fd) == 0) close(fd);
   }
+}
+
+void occupyStandardInput() {
+  if (fcntl(STDIN_FILENO, F_GETFD) >= 0) return;
+  // The lowest free descriptor is taken, which is this one.
+  const int fd = open("/dev/null", O_RDONLY);
+  if (fd > STDIN_FILENO) close(fd);
 }
 
 }  // namespace ambrel::camera

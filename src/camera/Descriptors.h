@@ -3,6 +3,7 @@
 
 #include <set>
 
+// What the camera library does to the descriptors of a process, and what has to be mended after it.
 namespace ambrel::camera {
 
 // The internet sockets that this process has open. The library leaves its own open when a connection fails
@@ -11,5 +12,9 @@ std::set<int> openInternetSockets();
 
 // Closes those that are not among `kept`.
 void closeInternetSocketsBut(const std::set<int>& kept);
+
+// The library closes descriptor 0 with every session over a network. Left free, it would become the socket of
+// the next session, and be closed under it.
+void occupyStandardInput();
 
 }  // namespace ambrel::camera

@@ -1,15 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "camera/StrayOutput.h"
+#include "camera/StandardStreams.h"
 
 #include <array>
 #include <cstdio>
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "camera/Descriptors.h"
+
 namespace ambrel::camera {
 
-StrayOutput::StrayOutput() {
-  _realOutput = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+StandardStreams::StandardStreams() {
+  _input = fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  _output = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  close(STDIN_FILENO);
+  occupyStandardInput();
   std::array<int, 2> ends{-1, -1};
   if (pipe(ends.data()) != 0) return;
   _readEnd = ends[0];
@@ -23,16 +28,17 @@ StrayOutput::StrayOutput() {
   close(ends[1]);
 }
 
-StrayOutput::~StrayOutput() {
-  if (_realOutput < 0) return;
+StandardStreams::~StandardStreams() {
   std::fflush(nullptr);
-  dup2(_realOutput, STDOUT_FILENO);
-  dup2(_realOutput, STDERR_FILENO);
-  close(_realOutput);
-  if (_readEnd >= 0) close(_readEnd);
+  dup2(_input, STDIN_FILENO);
+  dup2(_output, STDOUT_FILENO);
+  dup2(_output, STDERR_FILENO);
+  for (const int fd : {_input, _output, _readEnd}) {
+    if (fd >= 0) close(fd);
+  }
 }
 
-void StrayOutput::drain(const std::function<void(std::string_view)>& line) {
+void StandardStreams::drain(const std::function<void(std::string_view)>& line) {
   std::array<char, 4096> bytes;
   ssize_t count = 0;
   while ((count = read(_readEnd, bytes.data(), bytes.size())) > 0) {
