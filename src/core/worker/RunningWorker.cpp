@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/worker/WorkerProcess.h"
+#include "core/worker/RunningWorker.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -21,12 +21,12 @@ qint64 bytesWaiting(const PipeEnd& end) {
 
 }  // namespace
 
-WorkerProcess::WorkerProcess() {
+RunningWorker::RunningWorker() {
   _process.setProcessChannelMode(QProcess::ForwardedChannels);
   _process.setInputChannelMode(QProcess::ForwardedInputChannel);
 }
 
-Result<void> WorkerProcess::start(const WorkerLaunch& launch) {
+Result<void> RunningWorker::start(const WorkerLaunch& launch) {
   Result<Pipe> input = makePipe();
   if (!input) return Failure{input.error()};
   Result<Pipe> output = makePipe();
@@ -45,7 +45,7 @@ Result<void> WorkerProcess::start(const WorkerLaunch& launch) {
   });
   _process.start();
   if (!isRunning()) return Failure{_process.errorString()};
-  connect(&_process, &QProcess::finished, this, &WorkerProcess::processFinished);
+  connect(&_process, &QProcess::finished, this, &RunningWorker::processFinished);
   connect(&_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
     if (error == QProcess::FailedToStart) Q_EMIT launchFailed(_process.errorString());
   });
@@ -54,11 +54,11 @@ Result<void> WorkerProcess::start(const WorkerLaunch& launch) {
   _output = std::move(out.readEnd);
   _output.stopWaiting();
   _outputReady = std::make_unique<QSocketNotifier>(_output.descriptor(), QSocketNotifier::Read);
-  connect(_outputReady.get(), &QSocketNotifier::activated, this, &WorkerProcess::readOutput);
+  connect(_outputReady.get(), &QSocketNotifier::activated, this, &RunningWorker::readOutput);
   return {};
 }
 
-bool WorkerProcess::writeLine(const QByteArray& line) {
+bool RunningWorker::writeLine(const QByteArray& line) {
   if (!_input.isOpen()) return false;
   const QByteArray bytes = line + '\n';
   ssize_t written = -1;
@@ -70,28 +70,28 @@ bool WorkerProcess::writeLine(const QByteArray& line) {
   return written == bytes.size();
 }
 
-void WorkerProcess::abandon() {
+void RunningWorker::abandon() {
   _abandoned = true;
   _input.close();
 }
 
-bool WorkerProcess::waitForEnd(std::chrono::milliseconds limit) {
+bool RunningWorker::waitForEnd(std::chrono::milliseconds limit) {
   return !isRunning() || _process.waitForFinished(static_cast<int>(limit.count()));
 }
 
-void WorkerProcess::readOutput() {
+void RunningWorker::readOutput() {
   const SteadyClock::time_point end = SteadyClock::now() + kReadingTime;
   while (SteadyClock::now() < end && (!_undelivered.empty() || readPiece()))
     deliverSlice();
   _outputReady->setEnabled(_undelivered.empty() && _output.isOpen());
   if (!_undelivered.empty()) {
-    QMetaObject::invokeMethod(this, &WorkerProcess::readOutput, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, &RunningWorker::readOutput, Qt::QueuedConnection);
   } else if (_remaining == 0) {
     Q_EMIT ended();
   }
 }
 
-bool WorkerProcess::readPiece() {
+bool RunningWorker::readPiece() {
   if (!_output.isOpen()) return false;
   const bool running = _remaining < 0;
   const std::size_t wanted =
@@ -107,7 +107,7 @@ bool WorkerProcess::readPiece() {
   return count > 0;
 }
 
-void WorkerProcess::deliverSlice() {
+void RunningWorker::deliverSlice() {
   const std::string_view slice = _undelivered.substr(0, kSliceBytes);
   _undelivered.remove_prefix(slice.size());
   if (_abandoned) return;
@@ -117,7 +117,7 @@ void WorkerProcess::deliverSlice() {
   });
 }
 
-void WorkerProcess::processFinished() {
+void RunningWorker::processFinished() {
   _input.close();
   _remaining = bytesWaiting(_output);
   if (_remaining == 0) closeOutput();
@@ -125,7 +125,7 @@ void WorkerProcess::processFinished() {
   if (_remaining == 0 && _undelivered.empty()) Q_EMIT ended();
 }
 
-void WorkerProcess::closeOutput() {
+void RunningWorker::closeOutput() {
   _outputReady->setEnabled(false);
   _output.close();
   if (_remaining > 0) _remaining = 0;

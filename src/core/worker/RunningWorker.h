@@ -20,13 +20,13 @@ namespace ambrel {
 // One worker process from its start to its end. QProcess starts and reaps it; the pipes are our own. QProcess
 // would read everything that a flooding worker writes into memory, and would hold a command back until the
 // event loop runs again, which it does not when the application quits.
-class WorkerProcess : public QObject {
+class RunningWorker : public QObject {
   Q_OBJECT
  public:
   // How long reading may keep the event loop from its other work.
   static constexpr std::chrono::milliseconds kReadingTime{8};
 
-  WorkerProcess();
+  RunningWorker();
 
   // Fails with the reason as far as the system tells at once; see launchFailed.
   Result<void> start(const WorkerLaunch& launch);
