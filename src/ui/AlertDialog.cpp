@@ -5,8 +5,10 @@
 #include <QBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
+#include <algorithm>
 
 #include "ui/Appearance.h"
+#include "ui/TextLabel.h"
 #include "ui/WindowLayout.h"
 
 namespace ambrel::ui {

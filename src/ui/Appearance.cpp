@@ -43,8 +43,7 @@ QPalette toolkitPalette(const Palette& colors) {
 }  // namespace
 
 QFont systemFont(int pixelSize, QFont::Weight weight) {
-  QFont font;
-  font.setFamilies(systemFontFamilies());
+  QFont font = QApplication::font();
   font.setPixelSize(pixelSize);
   font.setWeight(weight);
   return font;
@@ -54,7 +53,10 @@ void applyApplicationAppearance(QApplication& application) {
   const Palette palette;
   QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
   QApplication::setPalette(toolkitPalette(palette));
-  QApplication::setFont(systemFont(13));
+  QFont font;
+  font.setFamilies(systemFontFamilies());
+  font.setPixelSize(13);
+  QApplication::setFont(font);
   application.setStyleSheet(applicationStyleSheet(palette));
 }
 

@@ -12,8 +12,8 @@ class QApplication;
 
 namespace ambrel::ui {
 
-// Inter where it is installed, else the platform's font; colour emoji from Noto Color Emoji. A point of the
-// design is one logical pixel.
+// The application's font: Inter where it is installed, else the platform's; colour emoji from Noto Color
+// Emoji. A point of the design is one logical pixel.
 QFont systemFont(int pixelSize, QFont::Weight weight = QFont::Normal);
 
 // The light look of everything that paints itself through the toolkit: fields, menus, scroll bars, tool tips,

@@ -9,8 +9,9 @@
 
 namespace ambrel::ui {
 
-// The Operator at the screen. Dialogs block the window that they belong to but nothing else: no call waits for
-// an answer. What is asked while a dialog is open waits in line, so that dialogs never lie over each other.
+// The Operator at the screen. Dialogs block the window that they belong to but nothing else: no call waits
+// for an answer. What is asked while a dialog is open waits in line, so that dialogs never lie over each
+// other.
 class Dialogs : public QObject, public Operator {
   Q_OBJECT
  public:

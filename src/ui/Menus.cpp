@@ -49,7 +49,8 @@ Menus::Menus(QMenuBar& bar, const QString& displayVersion, const std::function<v
       action->setCheckable(item.checkable);
       action->setChecked(item.checkable);
       action->setEnabled(item.command != Command::None);
-      QObject::connect(action, &QAction::triggered, &bar, [start, command = item.command] { start(command); });
+      QObject::connect(action, &QAction::triggered, &bar,
+                       [start, command = item.command] { start(command); });
       if (item.command != Command::None) _actions[item.command] = action;
     }
   }

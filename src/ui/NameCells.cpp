@@ -73,11 +73,13 @@ QString nameColumnToolTip(NameColumn column) {
     case NameColumn::Marker:
       return QStringLiteral("Segment markers. Click a row's cell to flag where a segment started.");
     case NameColumn::Name:
-      return QStringLiteral("Folder/file name for each person. Green = has photos. Click header to sort; "
-                            "double-click a row for its settings.");
+      return QStringLiteral(
+          "Folder/file name for each person. Green = has photos. Click header to sort; "
+          "double-click a row for its settings.");
     case NameColumn::Count:
-      return QStringLiteral("Number of photos on disk for this name (all its folders, including "
-                            "suffix-tagged ones).");
+      return QStringLiteral(
+          "Number of photos on disk for this name (all its folders, including "
+          "suffix-tagged ones).");
   }
   return {};
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ui/NameTableDelegate.h"
 
+#include <QLineEdit>
 #include <QPainter>
 
 #include "ui/Appearance.h"
@@ -31,6 +32,24 @@ void NameTableDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opt
   const QString shown = QFontMetrics(font).elidedText(line, Qt::ElideRight, place.width());
   painter->drawText(place, static_cast<int>(look.alignment) | Qt::TextSingleLine, shown);
   painter->restore();
+}
+
+QWidget* NameTableDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&,
+                                         const QModelIndex&) const {
+  auto* editor = new QLineEdit(parent);
+  editor->setObjectName(QStringLiteral("cellEditor"));
+  editor->setFont(systemFont(13));
+  return editor;
+}
+
+void NameTableDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const {
+  auto* field = qobject_cast<QLineEdit*>(editor);
+  if (field && !field->isModified()) field->setText(index.data(Qt::EditRole).toString());
+}
+
+void NameTableDelegate::updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
+                                             const QModelIndex&) const {
+  editor->setGeometry(option.rect.adjusted(3, 4, -3, -4));
 }
 
 }  // namespace ambrel::ui

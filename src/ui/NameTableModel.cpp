@@ -7,6 +7,8 @@ namespace ambrel::ui {
 
 NameTableModel::NameTableModel(NameList& list, QObject* parent) : QAbstractTableModel(parent), _list(list) {
   connect(&_list, &NameList::reloaded, this, &NameTableModel::reload);
+  connect(&_list, &NameList::nameColumnTitleChanged, this, &NameTableModel::setNameColumnTitle);
+  updateNameColumnCount();
   reload();
 }
 
@@ -41,12 +43,25 @@ QVariant NameTableModel::data(const QModelIndex& index, int role) const {
   }
 }
 
+bool NameTableModel::setData(const QModelIndex& index, const QVariant& value, int role) {
+  if (role != Qt::EditRole || !flags(index).testFlag(Qt::ItemIsEditable)) return false;
+  _list.setObjectValue(value.toString(), Cell::Name, _list.modelRowForDisplayRow(index.row()));
+  return true;
+}
+
+Qt::ItemFlags NameTableModel::flags(const QModelIndex& index) const {
+  if (!index.isValid()) return Qt::NoItemFlags;
+  const bool isName = index.column() == static_cast<int>(NameColumn::Name);
+  const Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
+  return isName ? flags | Qt::ItemIsEditable : flags;
+}
+
 QVariant NameTableModel::headerData(int section, Qt::Orientation orientation, int role) const {
   if (orientation != Qt::Horizontal || section < 0 || section >= kNameColumns) return {};
   const auto column = static_cast<NameColumn>(section);
   switch (role) {
     case Qt::DisplayRole:
-      return column == NameColumn::Name ? _list.nameColumnTitle() : nameColumnHeader(column);
+      return column == NameColumn::Name ? _nameColumnTitle : nameColumnHeader(column);
     case Qt::ToolTipRole:
       return nameColumnToolTip(column);
     case Qt::TextAlignmentRole:
@@ -69,8 +84,11 @@ bool NameTableModel::isDuplicate(qint64 modelRow) const {
 }
 
 void NameTableModel::reload() {
-  _duplicateNames = _list.grid().duplicateNameSet();
-  refreshHeader();
+  // Comparing all names is the one costly thing here; most reloads leave them as they were.
+  if (_duplicatesOfRevision != _list.grid().namesRevision()) {
+    _duplicatesOfRevision = _list.grid().namesRevision();
+    _duplicateNames = _list.grid().duplicateNameSet();
+  }
   if (_shownRows == _list.filteredRows()) {
     if (!_shownRows.empty()) Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, kNameColumns - 1));
     return;
@@ -80,8 +98,19 @@ void NameTableModel::reload() {
   endResetModel();
 }
 
-void NameTableModel::refreshHeader() {
-  Q_EMIT headerDataChanged(Qt::Horizontal, 0, kNameColumns - 1);
+void NameTableModel::refreshModelRow(qint64 modelRow) {
+  const int row = static_cast<int>(_list.displayRowForModelRow(modelRow));
+  if (row >= 0 && row < rowCount()) Q_EMIT dataChanged(index(row, 0), index(row, kNameColumns - 1));
+}
+
+void NameTableModel::updateNameColumnCount() {
+  setNameColumnTitle(_list.nameColumnTitle());
+}
+
+void NameTableModel::setNameColumnTitle(const QString& title) {
+  _nameColumnTitle = title;
+  const int column = static_cast<int>(NameColumn::Name);
+  Q_EMIT headerDataChanged(Qt::Horizontal, column, column);
 }
 
 }  // namespace ambrel::ui

@@ -19,6 +19,8 @@ class NameTableModel : public QAbstractTableModel {
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;
   QVariant data(const QModelIndex& index, int role) const override;
+  bool setData(const QModelIndex& index, const QVariant& value, int role) override;
+  Qt::ItemFlags flags(const QModelIndex& index) const override;
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
   // How a cell looks, given whether its row is selected in the view.
@@ -27,15 +29,19 @@ class NameTableModel : public QAbstractTableModel {
   // Takes over the list's new rows. When they are the same rows as before only their contents are shown anew,
   // which keeps the scroll position and an open cell editor.
   void reload();
-  // The title of the name column changed.
-  void refreshHeader();
+  void refreshModelRow(qint64 modelRow);
+  // The name column's title from the list, with its number of names.
+  void updateNameColumnCount();
 
  private:
+  void setNameColumnTitle(const QString& title);
   bool isDuplicate(qint64 modelRow) const;
 
   NameList& _list;
   std::vector<qint64> _shownRows;
   std::set<QString> _duplicateNames;
+  quint64 _duplicatesOfRevision = 0;
+  QString _nameColumnTitle;
 };
 
 }  // namespace ambrel::ui

@@ -57,8 +57,8 @@ QString PathChooser::chosenPath() const {
 void PathChooser::accept() {
   // For a name that does not exist the toolkit would show a message in an event loop of its own.
   const QStringList files = selectedFiles();
-  const bool missing = _kind != PathRequest::Kind::SaveFile && !files.isEmpty() &&
-                       !QFileInfo::exists(files.front());
+  const bool missing =
+      _kind != PathRequest::Kind::SaveFile && !files.isEmpty() && !QFileInfo::exists(files.front());
   if (missing) {
     QApplication::beep();
     return;

@@ -50,9 +50,9 @@ SettingsPopover::SettingsPopover(const CaptureSettings& settings, Tags& tags, QW
   for (std::size_t i = 0; i < kSectionTitles.size(); ++i) {
     if (i == kBackupSection && !kParts.backup) continue;
     const bool heading = i == 0;
-    _settingsSectionLabels[i] = new TextLabel(
-        QLatin1String(kSectionTitles[i]), systemFont(heading ? 13 : 10, QFont::Bold),
-        heading ? Palette().primaryTextColor() : Palette::tertiaryLabelColor(), this);
+    _settingsSectionLabels[i] =
+        new TextLabel(QLatin1String(kSectionTitles[i]), systemFont(heading ? 13 : 10, QFont::Bold),
+                      heading ? Palette().primaryTextColor() : Palette::tertiaryLabelColor(), this);
   }
   buildFolderSection();
   buildDestinationSection();
@@ -177,8 +177,7 @@ void SettingsPopover::restyleSuffixButtons() {
     button->setChecked(tag.on);
     button->styleButton(tag.label, tag.on ? palette.greenColor() : palette.grayColor(),
                         _states.setupUnlocked);
-    button->setToolTip(
-        QStringLiteral("Appends \"%1\" to the folder name when on").arg(tag.suffix));
+    button->setToolTip(QStringLiteral("Appends \"%1\" to the folder name when on").arg(tag.suffix));
   }
 }
 

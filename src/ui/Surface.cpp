@@ -121,4 +121,8 @@ void Surface::paintEvent(QPaintEvent* event) {
   paintShadowsBelow(painter, this, this, event->rect());
 }
 
+void Surface::resizeEvent(QResizeEvent*) {
+  Q_EMIT resized();
+}
+
 }  // namespace ambrel::ui

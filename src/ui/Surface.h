@@ -37,8 +37,12 @@ class Surface : public QWidget, public ShadowCaster {
   Shadow shadow() const override { return _shadow; }
   double cornerRadius() const override { return _cornerRadius; }
 
+ Q_SIGNALS:
+  void resized();
+
  protected:
   void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
   QColor _fill;

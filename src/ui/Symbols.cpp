@@ -37,4 +37,15 @@ void paintSymbol(QPainter& painter, Symbol symbol, const QRectF& place, const QC
   painter.restore();
 }
 
+SymbolView::SymbolView(Symbol symbol, int size, const QColor& tint, QWidget* parent)
+    : QWidget(parent), _symbol(symbol), _size(size), _tint(tint) {}
+
+void SymbolView::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  QRectF place(0, 0, _size, _size);
+  place.moveCenter(QRectF(rect()).center());
+  paintSymbol(painter, _symbol, place, _tint);
+}
+
 }  // namespace ambrel::ui

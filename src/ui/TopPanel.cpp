@@ -19,8 +19,8 @@ QString withDot(const QString& text) {
 
 }  // namespace
 
-TopPanel::TopPanel(const StatusLine& statusLine, const StorageMonitor& storage, const CaptureSettings& settings,
-                   QWidget* parent)
+TopPanel::TopPanel(const StatusLine& statusLine, const StorageMonitor& storage,
+                   const CaptureSettings& settings, QWidget* parent)
     : Surface(parent),
       _statusLine(statusLine),
       _storage(storage),

@@ -8,12 +8,13 @@
 #include "core/capture/CaptureSettings.h"
 #include "core/capture/StorageMonitor.h"
 #include "ui/AmbrelButton.h"
+#include "ui/Palette.h"
 #include "ui/StatusCard.h"
 
 namespace ambrel::ui {
 
-// The panel over the panes: five cards that say how things stand, and the buttons for reconnecting and for the
-// settings.
+// The panel over the panes: five cards that say how things stand, and the buttons for reconnecting and for
+// the settings.
 class TopPanel : public Surface {
   Q_OBJECT
  public:
