@@ -32,7 +32,10 @@ Key keyOf(int key) {
 
 MainWindow::MainWindow(AmbrelAppDelegate& delegate) : _delegate(delegate) {}
 
-MainWindow::~MainWindow() = default;
+MainWindow::~MainWindow() {
+  // The focus moves once more while the controls are destroyed, when this is no longer a main window.
+  disconnect(qApp, nullptr, this, nullptr);
+}
 
 // ---- Around the window
 
