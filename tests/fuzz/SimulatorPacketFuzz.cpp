@@ -17,7 +17,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   ByteView rest(data + 1, size - 1);
 
   CameraModel camera({1, 8, 8});
-  camera.shoot({});
+  // Making a photo takes longer than all else here, so only half of the runs have one.
+  if ((data[0] & 1) != 0) camera.shoot({});
   CommandChannel channel(camera);
   PacketReader packets;
   Bytes out;
