@@ -7,6 +7,7 @@ set(CMAKE_AUTOMOC ON)
 set(CMAKE_AUTORCC ON)
 
 option(AMBREL_BENCHMARKS "Build the benchmark programs" OFF)
+option(AMBREL_FUZZ "Build the fuzz targets (clang only)" OFF)
 set(AMBREL_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize takes them")
 set(AMBREL_OPTIMISATION "" CACHE STRING "Optimisation flag of a debug build")
 

@@ -10,7 +10,7 @@
 // kMaxLineBytes, ended by one line feed (which the functions below neither expect nor write).
 namespace ambrel::protocol {
 
-constexpr std::size_t kMaxLineBytes = 64 * 1024;
+constexpr std::size_t kMaxLineBytes = 65536;
 
 // Where photos are stored: on both, on the computer only, on the camera's memory card only.
 enum class SaveMode { Both, Disk, Card };

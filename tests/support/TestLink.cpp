@@ -22,4 +22,9 @@ void TestLink::exit() {
   Q_EMIT exited(true);
 }
 
+void TestLink::failLaunchLate(const QString& reason) {
+  _running = false;
+  Q_EMIT launchFailed(reason);
+}
+
 }  // namespace ambrel

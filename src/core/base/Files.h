@@ -17,14 +17,16 @@ struct VolumeSpace {
 
 // The few operations that must survive a full disk, a pulled drive or a crash. This is the only place that
 // replaces, moves or copies a file which the operator cares about. Paths are absolute and kept byte for byte
-// as QFile::encodeName writes them. Every failing step, flush and folder flush included, is a failure, and a
-// failure leaves what was there before. Safe to call from any thread; no call may run on the main thread
-// where it flushes.
+// as QFile::encodeName writes them; one that holds a NUL is refused. Every failing step, flush and folder
+// flush included, is a failure, and a failure leaves what was there before; only where the flush of the
+// folder comes last does a replaced file hold its new content, whole, although a crash may still undo that.
+// Safe to call from any thread; no call may run on the main thread where it flushes.
 class Files {
  public:
   virtual ~Files() = default;
 
-  // Replaces `path` with `bytes`: temporary file in the same folder, flushed, renamed over, folder flushed.
+  // Replaces `path` with `bytes`: temporary file in the same folder, flushed, renamed over, folder flushed. A
+  // link keeps its place: the file that it names is replaced.
   virtual Result<void> replaceWhole(const QString& path, const QByteArray& bytes) = 0;
   // The same without either flush: a killed process leaves the old file or the new one, whole. The caller has
   // `flush` called afterwards, away from the main thread.
@@ -35,15 +37,18 @@ class Files {
   // Gives a file or folder a new name on its own volume. Never overwrites, on any file system: an existing
   // `to` is Taken, and the source stays. Across volumes it is Failed; the caller decides whether to copy.
   enum class MoveOutcome { Moved, Taken, Failed };
-  struct MoveResult {
+  struct [[nodiscard]] MoveResult {
     MoveOutcome outcome;
     QString message = {};  // the system's own description unless Moved
+
+    bool ok() const { return outcome == MoveOutcome::Moved; }
+    QString error() const { return message; }
   };
   virtual MoveResult moveWithoutOverwriting(const QString& from, const QString& to) = 0;
 
   // Copies every byte to a temporary name beside `to`, flushes, compares sizes, then moves without
-  // overwriting.
-  virtual Result<void> copyWhole(const QString& from, const QString& to) = 0;
+  // overwriting: Moved means that `to` is on the disk, complete. The source stays in any case.
+  virtual MoveResult copyWhole(const QString& from, const QString& to) = 0;
   virtual Result<void> remove(const QString& path) = 0;
 
   virtual VolumeSpace volumeSpace(const QString& path) = 0;

@@ -2,23 +2,25 @@
 #pragma once
 
 #include <QDateTime>
+#include <QMap>
 #include <QString>
-#include <QStringList>
 #include <QVariantList>
-#include <memory>
+#include <mutex>
 #include <optional>
 
-class QSettings;
+#include "core/base/WriteBehind.h"
 
 namespace ambrel {
 
 // The settings kept between launches. An absent key, or one whose stored value has the wrong type, reads as
-// nullopt. Main thread only.
+// nullopt. Read once from the file, then kept in memory; written behind, since a settings file is flushed to
+// the disk with every write. Main thread only.
 class Preferences {
  public:
-  // `file` is the absolute path of the INI file. A file that cannot be parsed is kept aside under another
-  // name.
+  // `file` is the absolute path of the INI file. A file that cannot be parsed is kept aside under the name
+  // "<file>.broken", followed by a number when that is taken.
   explicit Preferences(const QString& file);
+  // Writes what was set since the last synchronize().
   ~Preferences();
 
   std::optional<QString> lastCSVPath() const;
@@ -49,10 +51,22 @@ class Preferences {
 
   // The four keys that the workflow reset forgets: list file, target folder, row, counter.
   void removeWorkflowKeys();
+  // Starts writing what was set; nothing to do when nothing changed. The file follows within moments.
   void synchronize();
+  // As synchronize(), and waits until the file is written.
+  void synchronizeAndWait();
 
  private:
-  std::unique_ptr<QSettings> _settings;
+  void set(const char* key, const QVariant& value);
+  void remove(const char* key);
+  void write();
+
+  const QString _file;
+  QMap<QString, QVariant> _values;
+  bool _changed = false;
+  std::mutex _mutex;  // guards _toWrite
+  QMap<QString, QVariant> _toWrite;
+  WriteBehind _writer;
 };
 
 }  // namespace ambrel

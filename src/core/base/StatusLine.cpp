@@ -20,9 +20,9 @@ void StatusLine::setStatus(const QString& text, StatusKind kind) {
   _lastFriendlyStatus = text;
   _lastStatusKind = kind;
   if (!_statusIsReadiness) {
-    const quint64 generation = ++_statusRevertGen;
-    _clock.callAfter(kRevertDelay, this, [this, generation] {
-      if (generation == _statusRevertGen && !_readiness().photoBeingFiled) refreshReadyStatusIfIdle();
+    _clock.cancel(_revertTimer);
+    _revertTimer = _clock.callAfter(kRevertDelay, this, [this] {
+      if (!_readiness().photoBeingFiled) refreshReadyStatusIfIdle();
     });
   }
   Q_EMIT changed(_lastFriendlyStatus, _lastStatusKind);

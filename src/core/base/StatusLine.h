@@ -54,10 +54,10 @@ class StatusLine : public QObject {
  private:
   Clock& _clock;
   std::function<Readiness()> _readiness;
-  QString _lastFriendlyStatus;
-  StatusKind _lastStatusKind = StatusKind::Neutral;
+  QString _lastFriendlyStatus = QStringLiteral("Starting Ambrel Tether...");
+  StatusKind _lastStatusKind = StatusKind::Busy;
   bool _statusIsReadiness = false;
-  quint64 _statusRevertGen = 0;
+  Clock::TimerId _revertTimer = Clock::kNoTimer;  // of the newest message only
 };
 
 }  // namespace ambrel

@@ -14,7 +14,9 @@ std::string ns_to_std(const QString& text) {
 }
 
 QString std_to_ns(std::string_view bytes) {
-  QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+  // A byte-order mark is a character like any other: these are names and lines, not files.
+  QStringDecoder decoder(QStringDecoder::Utf8,
+                         QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
   const QString text = decoder.decode(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())));
   return decoder.hasError() ? QString() : text;
 }

@@ -18,14 +18,14 @@ class CaptureSettings : public QObject {
 
   // 0 both, 1 disk, 2 card; any other value reads as 0.
   int saveModeIndex() const { return _saveModeIndex; }
-  void setSaveModeIndex(int index) { _saveModeIndex = index; }
+  void setSaveModeIndex(int index);
   QString selectedSaveModeLower() const;  // "both", "disk", "card"
   QString saveModeLabel() const;          // "Both", "Disk", "Card"
 
   QString counterText() const { return _counterText; }
   // Keeps decimal digits only; what remains becomes the counter's text.
   void setCounterText(const QString& text);
-  // The text read as a number; 0 when it is none.
+  // The text read as a number; 0 when it is none, the largest there is when it has too many digits.
   qint64 counterFieldValue() const;
   // The number for the next photo: counterFieldValue(), at least 1.
   qint64 counter() const;
@@ -34,6 +34,7 @@ class CaptureSettings : public QObject {
 
  Q_SIGNALS:
   void targetDirChanged();
+  // After every setting of the text, also to what it was: a field may have to drop what was not a digit.
   void counterTextChanged();
 
  private:

@@ -14,6 +14,10 @@ std::string sanitize_filename(std::string_view name);
 // "<folder>_<number, at least four digits>.<extension>".
 QString photoFileName(const QString& folderName, qint64 number, const QString& extension);
 
+// What follows the last dot of a path's last component, in its own letter case; empty without a dot, and for
+// a hidden name such as ".jpg".
+QString pathExtension(const QString& path);
+
 // By extension, in any letter case: photos that are counted, and those that the preview can show.
 bool isImageFileName(const QString& name);
 bool isPreviewableImagePath(const QString& path);

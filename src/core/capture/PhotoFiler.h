@@ -2,18 +2,17 @@
 #pragma once
 
 #include <QObject>
-#include <QSet>
 #include <QString>
 #include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "core/base/Files.h"
-
-class QThread;
+#include "core/capture/FilingThread.h"
 
 namespace ambrel {
 
@@ -28,10 +27,17 @@ struct FilingDesk {
 };
 
 // Files downloaded photos, one at a time and in the order of their arrival, on a thread of its own: checks
-// the download, takes the next free number and moves the photo into the folder of the selected name.
+// the download, takes the next free number and moves the photo into the folder of the selected name. A photo
+// that cannot be filed stays where it was downloaded.
+//
+// `files` is used by that thread. One that is stuck on a drive that is gone outlives this object, so `files`
+// has to last until the process ends.
 class PhotoFiler : public QObject {
   Q_OBJECT
  public:
+  // What stays free on the target folder's volume beyond a photo, in bytes.
+  static constexpr std::uint64_t kHeadRoom = 536'870'912;
+
   PhotoFiler(Files& files, FilingDesk desk);
   ~PhotoFiler() override;
 
@@ -49,10 +55,13 @@ class PhotoFiler : public QObject {
   void failed(const QString& message);
 
  private:
-  class Job;
+  class QueuedPaths;
+  class Filing;
   Files& _files;
   FilingDesk _desk;
+  std::shared_ptr<QueuedPaths> _renameQueuedPaths;
   std::atomic<bool> _renaming{false};
+  FilingThread _thread;
 };
 
 }  // namespace ambrel

@@ -36,6 +36,7 @@ class StorageMonitor : public QObject {
 
   void startTimer();
   void stopTimer();
+  // From any thread; the reading itself is taken on the main thread.
   void updateStorageLabel();
   void clearLowStorageWarning() { _lowLaptopStorageWarningShown = false; }
   const StorageReading& reading() const { return _reading; }
@@ -44,6 +45,8 @@ class StorageMonitor : public QObject {
   void refreshed();
 
  private:
+  void refresh();
+
   Clock& _clock;
   Files& _files;
   Operator& _operator;

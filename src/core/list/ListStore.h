@@ -7,27 +7,34 @@
 
 #include "core/base/Files.h"
 #include "core/base/Locations.h"
+#include "core/base/WriteBehind.h"
+#include "core/list/GridText.h"
 #include "core/list/NameGrid.h"
 
 namespace ambrel {
 
-// The private file that mirrors the list between launches. Written whole at once on every change; the flush
-// to the disk runs behind, on a thread of the store's own.
+// The private file that mirrors the list between launches. Replaced whole at once on every change, so that a
+// killed application leaves the list before or after the change; the flush to the disk runs behind.
 class ListStore {
  public:
   ListStore(Files& files, const Locations& locations);
-  ~ListStore();
 
+  // The folder is created whenever the path is asked for.
   QString gridStorePath() const;
   bool exists() const;
-  bool save(const std::vector<Row>& rows);
+  // Writes the list as it stands; always the same grid.
+  bool save(NameGrid& grid);
   // None when there is no store file; an unreadable one gives no rows.
   std::optional<std::vector<Row>> load() const;
   void remove();
+  // Returns when everything that was saved is on the disk.
+  void finishFlush() { _flusher.finish(); }
 
  private:
   Files& _files;
-  Locations _locations;
+  const Locations _locations;
+  StoreText _text;
+  WriteBehind _flusher;
 };
 
 }  // namespace ambrel

@@ -15,6 +15,13 @@ using Row = std::vector<std::string>;
 
 enum class Cell : std::size_t { Name = 0, Note = 1, Captured = 2, Marker = 3 };
 
+// What became different in the grid since it was last asked.
+struct GridChanges {
+  bool everything = false;  // rows came, went or moved, or many changed; `rows` says nothing then
+  std::vector<std::int64_t> rows = {};
+  bool operator==(const GridChanges&) const = default;
+};
+
 // The list of people in list order. Rows are addressed by model row; a row out of range reads as the default
 // and is never written. Main thread only.
 class NameGrid {
@@ -38,15 +45,22 @@ class NameGrid {
 
   // Lower-cased names (Unicode) that two or more rows share; empty names do not count.
   std::set<QString> duplicateNameSet() const;
+  // Another number after every change that can alter what duplicateNameSet() gives.
+  std::uint64_t namesRevision() const { return _namesRevision; }
 
-  void append(Row row) { _rows.push_back(std::move(row)); }
+  void append(Row row);
   void insert(std::int64_t position, Row row);  // position clamped to 0..rowCount
   void remove(std::int64_t modelRow);
-  void replaceAll(std::vector<Row> rows) { _rows = std::move(rows); }
-  void clear() { _rows.clear(); }
+  void replaceAll(std::vector<Row> rows);
+  void clear() { replaceAll({}); }
+
+  // For the one who mirrors the grid elsewhere: what to bring up to date.
+  GridChanges takeChanges();
 
  private:
   std::vector<Row> _rows;
+  GridChanges _changes = {true};
+  std::uint64_t _namesRevision = 0;
 };
 
 }  // namespace ambrel

@@ -7,16 +7,13 @@
 #include <string>
 #include <vector>
 
-#include "core/base/Operator.h"
 #include "core/base/Preferences.h"
 #include "core/base/StatusLine.h"
+#include "core/list/DisplayOrder.h"
 #include "core/list/ListStore.h"
 #include "core/list/NameGrid.h"
 
 namespace ambrel {
-
-enum class CaptureFilter { All = 0, WithPhotos = 1, Remaining = 2 };
-enum class SortMode { ListOrder = 0, Ascending = 1, Descending = 2 };
 
 // The list at work: the grid, the rows shown and their order, the table's selection and the current person.
 // The table view shows filteredRows(), mirrors tableSelection() and reports what the operator selects.
@@ -26,38 +23,64 @@ class NameList : public QObject {
   NameList(ListStore& store, Preferences& preferences, StatusLine& statusLine);
 
   const NameGrid& grid() const { return _grid; }
-  const std::vector<qint64>& filteredRows() const { return _filteredRows; }
-  qint64 modelRowForDisplayRow(qint64 displayRow) const;
-  qint64 displayRowForModelRow(qint64 modelRow) const;
+  // For those who change rows: they end with saveGridToDisk() and, where order or membership may have
+  // changed, with applySearchFilter().
+  NameGrid& editableGrid() { return _grid; }
+  const std::vector<qint64>& filteredRows() const { return _order.filteredRows(); }
+  qint64 modelRowForDisplayRow(qint64 displayRow) const { return _order.modelRowForDisplayRow(displayRow); }
+  qint64 displayRowForModelRow(qint64 modelRow) const { return _order.displayRowForModelRow(modelRow); }
 
   // The current person, as a model row; -1 for none.
   qint64 selectedRow() const { return _selectedRow; }
-  void setSelectedRow(qint64 modelRow);
+  void setSelectedRow(qint64 modelRow);  // a row outside the list is none
   // Display rows selected in the table, in ascending order.
   const std::vector<qint64>& tableSelection() const { return _tableSelection; }
   // The model row of the table's selected row, else the current person, else -1.
   qint64 captureRow() const;
 
-  QString searchText() const { return _searchText; }
+  QString searchText() const { return _rule.searchText; }
+  bool isSearchActive() const { return _rule.isSearchActive(); }
+  CaptureFilter captureFilter() const { return _rule.captureFilter; }
+  SortMode sortMode() const { return _rule.sortMode; }
+  // Whether display rows are model rows, so that a row can be dragged to another place.
+  bool canReorderRows() const { return _rule.showsListAsItIs(); }
   QString csvPath() const { return _csvPath; }
   void setCsvPath(const QString& path) { _csvPath = path; }
 
-  // The view reports the operator's selection.
-  void tableViewSelectionDidChange(const std::vector<qint64>& displayRows);
+  // The view reports the operator's selection: all rows in ascending order, and the one selected last, which
+  // is the last of them when not given.
+  void tableViewSelectionDidChange(const std::vector<qint64>& displayRows, qint64 selectedLast = -1);
   // The view reports a key step of the selection, +1 or -1.
   void moveGridSelectionBy(qint64 step);
+  // The operator types in the search field, or empties it.
   void setSearchText(const QString& text);
   void clearSearch();
+  // The filter button and a click on the name column's header: each goes on to the next of three.
+  void cycleCaptureFilter();
+  void cycleSortMode();
+  // All names in sight again, without a word; the sort mode stays.
+  void resetCaptureFilter() { _rule.captureFilter = CaptureFilter::All; }
 
   void applySearchFilter();
   void selectModelRowIfVisible(qint64 modelRow, bool scroll);
   void selectSavedOrFirstCSVRow();
 
+  // Stores a cell as it was typed and saves the list. A name of blanks only is refused. After a new name the
+  // order follows once control returns to the event loop, when the table's editor has closed.
+  void setObjectValue(const QString& value, Cell cell, qint64 modelRow);
+  void toggleMarker(qint64 modelRow);
+  // With two or more rows selected, their number and their photos in the status line; else false.
+  bool showSelectionTotalsIfMultiple();
+
+  // Where it fails the list stays in memory, and the next change is saved with it.
   bool saveGridToDisk();
   // False when the store is missing or holds no row.
   bool loadGridFromDisk();
-  // Replaces the list by the first column of a CSV file; the number of rows now in the list.
+  // Replaces the list by the first column of a CSV file, empty when that cannot be read; the number of rows
+  // now in the list.
   qint64 importFirstColumnFromCSV(const QString& path);
+  // The same with the file remembered and the list saved.
+  qint64 replaceListFromCSV(const QString& path);
   // The name that the next download is filed under, as it stands in the list; none when no named row is
   // selected. The row that it stands in becomes the current person.
   std::optional<std::string> selectedQueueItemName();
@@ -73,21 +96,25 @@ class NameList : public QObject {
   void searchTextChanged();                 // searchText() was set from here
   void persistentPathsStale();  // the current row or the list's file changed: save the preferences
   void autoWatchStale();        // the list became empty or ceased to be
+  void captureFilterChanged();
   void pathLabelsStale();
   void controlsStale();
+  void nameColumnTitleChanged(const QString& title);  // by a header click: without the number of names
 
  private:
+  void emptySearchField();
+  qint64 tableSelectedRow() const;
+
   ListStore& _store;
   Preferences& _preferences;
   StatusLine& _statusLine;
   NameGrid _grid;
-  std::vector<qint64> _filteredRows;
+  DisplayOrder _order;
+  DisplayRule _rule;
   std::vector<qint64> _tableSelection;
+  qint64 _tableSelectedLast = -1;  // display row
   qint64 _selectedRow = -1;
-  QString _searchText;
   QString _csvPath;
-  CaptureFilter _captureFilter = CaptureFilter::All;
-  SortMode _sortMode = SortMode::ListOrder;
 };
 
 }  // namespace ambrel

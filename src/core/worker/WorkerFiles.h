@@ -13,6 +13,7 @@ struct WorkerFiles {
   Bundle bundle;
   QString temporaryFolder;
 
+  static QString workerName() { return QStringLiteral("ambrel_cpp_worker"); }
   QString workerPath() const;
   QString sdkFrameworkRoot() const;
   QString sdkPath() const;

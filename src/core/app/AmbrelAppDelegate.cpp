@@ -1,0 +1,300 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/app/AmbrelAppDelegate.h"
+
+#include <QFileInfo>
+#include <algorithm>
+
+#include "core/app/PathLine.h"
+
+namespace ambrel {
+namespace {
+
+// A path travels to the worker in one line of text.
+bool holdsLineBreak(const QString& path) {
+  return path.contains(QLatin1Char('\n')) || path.contains(QLatin1Char('\r'));
+}
+
+}  // namespace
+
+AmbrelAppDelegate::AmbrelAppDelegate(Clock& clock, Operator& operatorSeam, Files& files, WorkerLink& link,
+                                     const Surroundings& surroundings)
+    : _clock(clock),
+      _operator(operatorSeam),
+      _surroundings(surroundings),
+      _displayVersion(surroundings.bundle.displayVersion()),
+      _instanceLock(surroundings.locations.temporary),
+      _link(link),
+      _preferences(surroundings.locations.preferencesFile),
+      _statusLine(clock, [this] { return readiness(); }),
+      _listStore(files, surroundings.locations),
+      _list(_listStore, _preferences, _statusLine),
+      _listTransfer(_list, operatorSeam, _statusLine, files),
+      _tags(_preferences, operatorSeam, _statusLine),
+      _storage(clock, files, operatorSeam, [this] { return watchedPath(); }),
+      _filer(files, filingDesk()),
+      _camera(clock, link, _statusLine, operatorSeam, _preferences,
+              WorkerFiles{surroundings.bundle, surroundings.locations.temporary}, connectionSurroundings()) {
+  connectSubsystems();
+}
+
+AmbrelAppDelegate::~AmbrelAppDelegate() = default;
+
+FilingDesk AmbrelAppDelegate::filingDesk() {
+  return {
+      .targetDir = [this] { return _settings.targetDir(); },
+      .selectedQueueItemName = [this] { return _list.selectedQueueItemName(); },
+      .enabledSuffixString = [this] { return _tags.enabledSuffixString(); },
+      .captureRow = [this] { return _list.captureRow(); },
+      .counter = [this] { return _settings.counter(); },
+      .advanceCounterPast =
+          [this](qint64 used) {
+            _settings.advanceCounterPast(used);
+            savePersistentPaths();
+          },
+  };
+}
+
+ConnectionSurroundings AmbrelAppDelegate::connectionSurroundings() {
+  return {
+      .targetDir = [this] { return _settings.targetDir(); },
+      .saveModeWord = [this] { return _settings.selectedSaveModeLower(); },
+      .listHasRows = [this] { return !_list.grid().isEmpty(); },
+      .currentRowValid = [this] { return _list.grid().contains(_list.selectedRow()); },
+      .selectSavedOrFirstCSVRow = [this] { _list.selectSavedOrFirstCSVRow(); },
+      .killStrayWorkers = _surroundings.killStrayWorkers,
+  };
+}
+
+Readiness AmbrelAppDelegate::readiness() const {
+  return {.cameraConnected = _camera.isConnected(),
+          .watching = _camera.isWatching(),
+          .targetFolderSet = !_settings.targetDir().isEmpty(),
+          .listEmpty = _list.grid().isEmpty(),
+          .photoBeingFiled = _filer.isRenaming()};
+}
+
+QString AmbrelAppDelegate::watchedPath() const {
+  return _settings.targetDir().isEmpty() ? _surroundings.locations.desktop : _settings.targetDir();
+}
+
+void AmbrelAppDelegate::connectSubsystems() {
+  connect(&_list, &NameList::persistentPathsStale, this, &AmbrelAppDelegate::savePersistentPaths);
+  connect(&_list, &NameList::autoWatchStale, this, [this] { _camera.updateAutoWatch(); });
+  connect(&_list, &NameList::pathLabelsStale, this, &AmbrelAppDelegate::updatePathLabels);
+  connect(&_list, &NameList::controlsStale, this, &AmbrelAppDelegate::updateControls);
+
+  connect(&_tags, &Tags::toggled, this, &AmbrelAppDelegate::updatePathLabels);
+
+  connect(&_camera, &CameraConnection::connectStarted, this, [this] { _storage.clearLowStorageWarning(); });
+  connect(&_camera, &CameraConnection::controlsStale, this, &AmbrelAppDelegate::updateControls);
+  connect(&_camera, &CameraConnection::pillChanged, this, &AmbrelAppDelegate::updateControls);
+  connect(&_camera, &CameraConnection::downloaded, &_filer, &PhotoFiler::handleDownloadedPath);
+
+  connect(&_filer, &PhotoFiler::filed, this, &AmbrelAppDelegate::photoFiled);
+  connect(&_filer, &PhotoFiler::failed, this, &AmbrelAppDelegate::photoNotFiled);
+}
+
+// ---- Launch and shut-down
+
+void AmbrelAppDelegate::applicationDidFinishLaunching(Screen& screen) {
+  if (!_instanceLock.acquireSingleInstanceLock()) {
+    _operator.showAlert(
+        QStringLiteral("Ambrel Photo Tether is already open"),
+        QStringLiteral("Only one instance can run at a time. Please use the existing Ambrel Photo "
+                       "Tether window."),
+        [&screen] { screen.terminate(); });
+    return;
+  }
+  _screen = &screen;
+  _tags.loadSuffixes();
+  screen.installMainMenu(_displayVersion);
+  screen.installAppIconIfAvailable(resourcesNamedAny(
+      {QStringLiteral("ambrel_tether_icon.icns"), QStringLiteral("ambrel_tether_icon.png")}));
+  screen.observeAppearance();
+  screen.installKeyMonitor();
+  _surroundings.killStrayWorkers(_link.processId());
+  screen.showSplash(_displayVersion, resourcesNamedAny({QStringLiteral("ambrel_splash_mark.png")}));
+  _clock.callAfter(kSplashTime, this, [this] { finishLaunching(); });
+}
+
+void AmbrelAppDelegate::finishLaunching() {
+  if (!_screen) return;
+  _screen->closeSplash();
+  if (_screen->isBuilt()) return;
+  buildUI();
+  updatePathLabels();
+  updateControls();
+  _statusLine.refreshReadyStatusIfIdle();
+}
+
+void AmbrelAppDelegate::buildUI() {
+  _screen->buildUI(_displayVersion);
+  _screen->layoutUI();
+  restoreSavedPaths();
+  _storage.updateStorageLabel();
+  _storage.startTimer();
+  _screen->applyAppearance();
+  _camera.startAutoDetectTimer();
+  _screen->showWindow();
+}
+
+void AmbrelAppDelegate::applicationWillTerminate() {
+  if (!_screen) return;
+  // Photos that the camera has already delivered are filed before anything is taken down.
+  _filer.finishQueued(kFilingTimeWhenQuitting);
+  savePersistentPaths();
+  _storage.stopTimer();
+  _camera.stopAutoDetectTimer();
+  _screen->stopObservingAppearance();
+  _screen->removeKeyMonitor();
+  _camera.shutDown();
+  _screen = nullptr;
+}
+
+QStringList AmbrelAppDelegate::resourcesNamedAny(const QStringList& fileNames) const {
+  QStringList found;
+  for (const QString& name : fileNames) {
+    const QString path = _surroundings.bundle.resourcePath(name);
+    if (!path.isEmpty()) found.append(path);
+  }
+  return found;
+}
+
+void AmbrelAppDelegate::showAlert(const QString& title, const QString& message) {
+  QMetaObject::invokeMethod(
+      this, [this, title, message] { _operator.showAlert(title, message); }, Qt::QueuedConnection);
+}
+
+// ---- Settings between launches
+
+void AmbrelAppDelegate::restoreSavedPaths() {
+  const QString targetDir = _preferences.lastTargetDir().value_or(QString());
+  if (!targetDir.isEmpty() && QFileInfo::exists(targetDir) && !holdsLineBreak(targetDir)) {
+    _settings.setTargetDir(targetDir);
+  }
+  _camera.restoreAutoConnect();
+  const qint64 counter = _preferences.lastCounterValue().value_or(0);
+  if (counter >= 1) _settings.setCounterText(QString::number(counter));
+  const QString csvPath = _preferences.lastCSVPath().value_or(QString());
+  if (!csvPath.isEmpty() && QFileInfo::exists(csvPath)) _list.setCsvPath(csvPath);
+  restoreList();
+  _settings.setSaveModeIndex(0);
+  updatePathLabels();
+  _storage.updateStorageLabel();
+  updateControls();
+}
+
+void AmbrelAppDelegate::restoreList() {
+  if (_list.loadGridFromDisk()) {
+    _list.selectSavedOrFirstCSVRow();
+  } else if (!_list.csvPath().isEmpty()) {
+    _list.importFirstColumnFromCSV(_list.csvPath());
+    _list.saveGridToDisk();
+  }
+}
+
+void AmbrelAppDelegate::savePersistentPaths() {
+  if (!_list.csvPath().isEmpty()) _preferences.setLastCSVPath(_list.csvPath());
+  if (!_settings.targetDir().isEmpty()) _preferences.setLastTargetDir(_settings.targetDir());
+  if (_list.selectedRow() >= 0) _preferences.setLastSelectedRowIndex(_list.selectedRow());
+  if (_settings.counterFieldValue() >= 1) _preferences.setLastCounterValue(_settings.counterFieldValue());
+  _preferences.synchronize();
+}
+
+// ---- The road of one photo ends here
+
+void AmbrelAppDelegate::photoFiled(const QString& path, qint64 row) {
+  _list.markCaptureForRow(row);
+  _statusLine.setStatus(QStringLiteral("Saved: ") + QFileInfo(path).fileName(),
+                        _camera.isWatching() ? StatusKind::Watching : StatusKind::Good);
+  _storage.updateStorageLabel();
+  _statusLine.scheduleReadyStatusRefresh();
+}
+
+void AmbrelAppDelegate::photoNotFiled(const QString& message) {
+  if (message.isEmpty()) return;
+  showAlert(QStringLiteral("Write Error"), message);
+  _statusLine.setStatus(message, StatusKind::Error);
+}
+
+// ---- Intents
+
+void AmbrelAppDelegate::selectFolder() {
+  _operator.choosePath({.kind = PathRequest::Kind::OpenFolder,
+                        .message = QStringLiteral("Choose the folder where captured images are saved"),
+                        .startFolder = _settings.targetDir()},
+                       [this](const QString& path) {
+                         if (!path.isEmpty()) useTargetFolder(path);
+                       });
+}
+
+void AmbrelAppDelegate::useTargetFolder(const QString& path) {
+  if (holdsLineBreak(path)) {
+    _operator.showAlert(
+        QStringLiteral("Folder Cannot Be Used"),
+        QStringLiteral("The folder's path contains a line break, which cannot be passed on to the "
+                       "camera. Rename the folder or choose another one."));
+    return;
+  }
+  _settings.setTargetDir(path);
+  _camera.downloadFolderChanged();
+  updatePathLabels();
+  savePersistentPaths();
+  _storage.updateStorageLabel();
+  _statusLine.setStatus(QStringLiteral("Target folder selected."), StatusKind::Good);
+  _camera.updateAutoWatch();
+}
+
+void AmbrelAppDelegate::selectDestination(int index) {
+  if (index >= 0 && index <= 2) _settings.setSaveModeIndex(index);
+  updateControls();
+  _camera.saveModeChanged();
+}
+
+void AmbrelAppDelegate::counterTextDidChange(const QString& text) {
+  _settings.setCounterText(text);
+  savePersistentPaths();
+  updatePathLabels();
+}
+
+void AmbrelAppDelegate::connectCameraManual() {
+  _camera.connectCameraManual();
+}
+
+void AmbrelAppDelegate::disconnectCamera() {
+  _camera.disconnectCamera();
+}
+
+void AmbrelAppDelegate::forceCameraReconnect() {
+  _camera.forceCameraReconnect();
+}
+
+void AmbrelAppDelegate::toggleAutoConnect() {
+  _camera.toggleAutoConnect();
+}
+
+void AmbrelAppDelegate::tableClicked() {
+  savePersistentPaths();
+  if (!_list.showSelectionTotalsIfMultiple()) _statusLine.refreshReadyStatusIfIdle();
+  updatePathLabels();
+  updateControls();
+}
+
+// ---- What the window shows beside the subsystems' own state
+
+void AmbrelAppDelegate::updatePathLabels() {
+  if (!_screen || !_screen->isBuilt()) return;
+  _screen->updatePathLabels(pathLine(
+      {.rows = _list.grid().rowCount(), .csvPath = _list.csvPath(), .targetDir = _settings.targetDir()}));
+}
+
+void AmbrelAppDelegate::updateControls() {
+  if (!_screen || !_screen->isBuilt()) return;
+  _screen->updateControls({.setupUnlocked = !_camera.isConnectPending(),
+                           .exportEnabled = !_list.grid().isEmpty(),
+                           .saveModeIndex = _settings.saveModeIndex(),
+                           .autoConnect = _camera.isAutoConnect(),
+                           .pill = _camera.pill()});
+}
+
+}  // namespace ambrel

@@ -1,0 +1,231 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/base/Preferences.h"
+
+#include <QFile>
+#include <QSettings>
+#include <QStringDecoder>
+#include <array>
+
+namespace ambrel {
+
+namespace {
+
+// Every key that is kept. Numbers and switches are stored as text, as the file shows them.
+constexpr const char* kLastCSVPath = "AmbrelLastCSVPath";                    // path
+constexpr const char* kLastTargetDir = "AmbrelLastTargetDir";                // path
+constexpr const char* kLastSelectedRowIndex = "AmbrelLastSelectedRowIndex";  // number
+constexpr const char* kLastCounterValue = "AmbrelLastCounterValue";          // number
+constexpr const char* kAutoConnect = "AmbrelAutoConnectV2";                  // switch
+constexpr const char* kBackupDir = "AmbrelBackupDir";                        // path
+constexpr const char* kBackupEnabled = "AmbrelBackupEnabled";                // switch
+constexpr const char* kBackupShareURL = "AmbrelBackupShareURL";              // text
+constexpr const char* kBackupMAC = "AmbrelBackupMAC";                        // text
+constexpr const char* kBackupHost = "AmbrelBackupHost";                      // text
+constexpr const char* kLastUpdateCheck = "AmbrelLastUpdateCheck";            // date
+constexpr const char* kSuffixes = "AmbrelSuffixes";                          // list of maps
+
+constexpr std::array kKeys = {kLastCSVPath,      kLastTargetDir, kLastSelectedRowIndex,
+                              kLastCounterValue, kAutoConnect,   kBackupDir,
+                              kBackupEnabled,    kBackupShareURL, kBackupMAC,
+                              kBackupHost,       kLastUpdateCheck, kSuffixes};
+
+constexpr auto kYes = "true";
+constexpr auto kNo = "false";
+
+using Values = QMap<QString, QVariant>;
+
+std::optional<QString> text(const Values& values, const char* key) {
+  const QVariant value = values.value(QLatin1String(key));
+  return value.typeId() == QMetaType::QString ? std::optional(value.toString()) : std::nullopt;
+}
+
+std::optional<qint64> number(const Values& values, const char* key) {
+  bool valid = false;
+  const qint64 parsed = text(values, key).value_or(QString()).toLongLong(&valid);
+  return valid ? std::optional(parsed) : std::nullopt;
+}
+
+std::optional<bool> yesOrNo(const Values& values, const char* key) {
+  const std::optional<QString> stored = text(values, key);
+  if (stored == QLatin1String(kYes)) return true;
+  if (stored == QLatin1String(kNo)) return false;
+  return std::nullopt;
+}
+
+// The parser of the settings takes almost anything for a setting, so bytes that it never writes are looked
+// for first.
+bool isBroken(const QString& path) {
+  QFile file(path);
+  if (!file.open(QIODevice::ReadOnly)) return false;
+  const QByteArray bytes = file.readAll();
+  QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+  const QString decoded = decoder.decode(bytes);
+  if (decoder.hasError() || decoded.contains(QChar::Null)) return true;
+  const QSettings settings(path, QSettings::IniFormat);
+  (void)settings.allKeys();  // a section is parsed once it is asked for
+  return settings.status() == QSettings::FormatError;
+}
+
+void keepAside(const QString& path) {
+  const QString aside = path + QStringLiteral(".broken");
+  QString name = aside;
+  for (int number = 2; QFile::exists(name); ++number)
+    name = QStringLiteral("%1-%2").arg(aside).arg(number);
+  QFile::rename(path, name);
+}
+
+Values read(const QString& path) {
+  Values values;
+  const QSettings settings(path, QSettings::IniFormat);
+  for (const char* key : kKeys) {
+    const QString name = QLatin1String(key);
+    if (settings.contains(name)) values.insert(name, settings.value(name));
+  }
+  return values;
+}
+
+}  // namespace
+
+Preferences::Preferences(const QString& file) : _file(file), _writer([this] { write(); }) {
+  if (isBroken(file)) keepAside(file);
+  _values = read(file);
+}
+
+Preferences::~Preferences() {
+  synchronize();
+}
+
+std::optional<QString> Preferences::lastCSVPath() const {
+  return text(_values, kLastCSVPath);
+}
+void Preferences::setLastCSVPath(const QString& path) {
+  set(kLastCSVPath, path);
+}
+std::optional<QString> Preferences::lastTargetDir() const {
+  return text(_values, kLastTargetDir);
+}
+void Preferences::setLastTargetDir(const QString& path) {
+  set(kLastTargetDir, path);
+}
+std::optional<qint64> Preferences::lastSelectedRowIndex() const {
+  return number(_values, kLastSelectedRowIndex);
+}
+void Preferences::setLastSelectedRowIndex(qint64 row) {
+  set(kLastSelectedRowIndex, QString::number(row));
+}
+std::optional<qint64> Preferences::lastCounterValue() const {
+  return number(_values, kLastCounterValue);
+}
+void Preferences::setLastCounterValue(qint64 value) {
+  set(kLastCounterValue, QString::number(value));
+}
+std::optional<bool> Preferences::autoConnect() const {
+  return yesOrNo(_values, kAutoConnect);
+}
+void Preferences::setAutoConnect(bool on) {
+  set(kAutoConnect, QLatin1String(on ? kYes : kNo));
+}
+std::optional<QString> Preferences::backupDir() const {
+  return text(_values, kBackupDir);
+}
+void Preferences::setBackupDir(const QString& path) {
+  set(kBackupDir, path);
+}
+std::optional<bool> Preferences::backupEnabled() const {
+  return yesOrNo(_values, kBackupEnabled);
+}
+void Preferences::setBackupEnabled(bool on) {
+  set(kBackupEnabled, QLatin1String(on ? kYes : kNo));
+}
+std::optional<QString> Preferences::backupShareURL() const {
+  return text(_values, kBackupShareURL);
+}
+void Preferences::setBackupShareURL(const std::optional<QString>& url) {
+  if (url) {
+    set(kBackupShareURL, *url);
+  } else {
+    remove(kBackupShareURL);
+  }
+}
+std::optional<QString> Preferences::backupMAC() const {
+  return text(_values, kBackupMAC);
+}
+void Preferences::setBackupMAC(const std::optional<QString>& address) {
+  if (address) {
+    set(kBackupMAC, *address);
+  } else {
+    remove(kBackupMAC);
+  }
+}
+std::optional<QString> Preferences::backupHost() const {
+  return text(_values, kBackupHost);
+}
+void Preferences::setBackupHost(const QString& host) {
+  set(kBackupHost, host);
+}
+std::optional<QDateTime> Preferences::lastUpdateCheck() const {
+  const QVariant value = _values.value(QLatin1String(kLastUpdateCheck));
+  const bool valid = value.typeId() == QMetaType::QDateTime && value.toDateTime().isValid();
+  return valid ? std::optional(value.toDateTime()) : std::nullopt;
+}
+void Preferences::setLastUpdateCheck(const QDateTime& time) {
+  set(kLastUpdateCheck, time.toUTC());
+}
+std::optional<QVariantList> Preferences::suffixes() const {
+  const QVariant value = _values.value(QLatin1String(kSuffixes));
+  return value.typeId() == QMetaType::QVariantList ? std::optional(value.toList()) : std::nullopt;
+}
+void Preferences::setSuffixes(const QVariantList& suffixes) {
+  set(kSuffixes, suffixes);
+}
+
+void Preferences::removeWorkflowKeys() {
+  for (const char* key : {kLastCSVPath, kLastTargetDir, kLastSelectedRowIndex, kLastCounterValue})
+    remove(key);
+}
+
+void Preferences::synchronize() {
+  if (!_changed) return;
+  _changed = false;
+  {
+    const std::lock_guard lock(_mutex);
+    _toWrite = _values;
+  }
+  _writer.request();
+}
+
+void Preferences::synchronizeAndWait() {
+  synchronize();
+  _writer.finish();
+}
+
+void Preferences::set(const char* key, const QVariant& value) {
+  QVariant& stored = _values[QLatin1String(key)];
+  if (stored == value) return;
+  stored = value;
+  _changed = true;
+}
+
+void Preferences::remove(const char* key) {
+  if (_values.remove(QLatin1String(key)) > 0) _changed = true;
+}
+
+void Preferences::write() {
+  Values values;
+  {
+    const std::lock_guard lock(_mutex);
+    values = _toWrite;
+  }
+  QSettings settings(_file, QSettings::IniFormat);
+  for (const char* key : kKeys) {
+    const auto value = values.constFind(QLatin1String(key));
+    if (value == values.constEnd()) {
+      settings.remove(QLatin1String(key));
+    } else {
+      settings.setValue(QLatin1String(key), *value);
+    }
+  }
+  settings.sync();
+}
+
+}  // namespace ambrel

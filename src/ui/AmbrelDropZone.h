@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QMimeData>
+#include <QWidget>
+#include <functional>
+
+namespace ambrel::ui {
+
+// The local CSV and text files of a drag, in its order; the extension in any letter case.
+QStringList droppedListFiles(const QMimeData& data);
+
+// What stands in the table's place while the list is empty: invites a click or a dropped list file.
+class AmbrelDropZone : public QWidget {
+  Q_OBJECT
+ public:
+  explicit AmbrelDropZone(QWidget* parent = nullptr);
+
+  std::function<void()> onClick;
+  // Gets the dropped list files; whether it took them.
+  std::function<bool(const QStringList& paths)> onDropPaths;
+
+  // Invalid colours: gray, and the secondary label colour.
+  void setBorderColor(const QColor& color);
+  void setTextColor(const QColor& color);
+  // Whether names can be pasted here, so that the text says so.
+  void setPasteHint(bool shown);
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+
+ private:
+  QColor _borderColor;
+  QColor _textColor;
+  bool _pasteHint = false;
+};
+
+}  // namespace ambrel::ui

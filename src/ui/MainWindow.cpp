@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "ui/MainWindow.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+
+#include "core/app/KeyRules.h"
+#include "ui/Appearance.h"
+#include "ui/TextEdits.h"
+#include "ui/ThinSplitter.h"
+#include "ui/WindowLayout.h"
+
+namespace ambrel::ui {
+namespace {
+
+Key keyOf(int key) {
+  switch (key) {
+    case Qt::Key_Up:
+      return Key::Up;
+    case Qt::Key_Down:
+      return Key::Down;
+    case Qt::Key_Left:
+      return Key::Left;
+    case Qt::Key_Right:
+      return Key::Right;
+    default:
+      return Key::Other;
+  }
+}
+
+}  // namespace
+
+MainWindow::MainWindow(AmbrelAppDelegate& delegate) : _delegate(delegate) {}
+
+MainWindow::~MainWindow() = default;
+
+// ---- Around the window
+
+void MainWindow::installMainMenu(const QString& displayVersion) {
+  _menus = std::make_unique<Menus>(*menuBar(), displayVersion, [this](Command command) { start(command); });
+  connect(qApp, &QApplication::focusChanged, this, &MainWindow::refreshEditMenu);
+  refreshEditMenu();
+}
+
+void MainWindow::installAppIconIfAvailable(const QStringList& imageFiles) {
+  const QImage image = firstImageThatLoads(imageFiles);
+  if (!image.isNull()) QApplication::setWindowIcon(QIcon(QPixmap::fromImage(image)));
+}
+
+void MainWindow::observeAppearance() {
+  _observingAppearance = true;
+}
+
+void MainWindow::stopObservingAppearance() {
+  _observingAppearance = false;
+}
+
+void MainWindow::installKeyMonitor() {
+  qApp->installEventFilter(this);
+}
+
+void MainWindow::removeKeyMonitor() {
+  qApp->removeEventFilter(this);
+}
+
+void MainWindow::showSplash(const QString& displayVersion, const QStringList& markFiles) {
+  _splash = std::make_unique<Splash>(displayVersion, firstImageThatLoads(markFiles));
+  _splash->showCentred();
+}
+
+void MainWindow::closeSplash() {
+  _splash.reset();
+}
+
+void MainWindow::terminate() {
+  QApplication::quit();
+}
+
+// ---- The window
+
+void MainWindow::buildUI(const QString& displayVersion) {
+  setWindowTitle(applicationNameLine(displayVersion));
+  _content = new Surface(this);
+  _content->setMinimumSize(layout::kMinimumContent);
+
+  _topPanel = new TopPanel(_delegate.statusLine(), _delegate.storage(), _delegate.settings(), _content);
+  _splitView = new ThinSplitter(_content);
+  _leftPane = new ListPane(_delegate.list(), _splitView);
+  _rightPane = new PreviewPane(_splitView);
+  _splitView->addWidget(_leftPane);
+  _splitView->addWidget(_rightPane);
+  _splitView->setChildrenCollapsible(false);
+  _csvLabel =
+      new TextLabel(QStringLiteral("List: empty"), systemFont(10), Palette::secondaryLabelColor(), _content);
+  _csvLabel->setElideMode(Qt::ElideMiddle);
+  _settingsPopover = new SettingsPopover(_delegate.settings(), _delegate.tags(), _content);
+  connectIntents();
+  connect(_content, &Surface::resized, this, &MainWindow::layoutUI);
+  setCentralWidget(_content);
+
+  const int menuHeight = menuBar()->sizeHint().height();
+  resize(layout::kInitialContent + QSize(0, menuHeight));
+  const auto [left, right] = layout::halves(layout::window(layout::kInitialContent).splitView.width());
+  _splitView->setSizes({left, right});
+}
+
+void MainWindow::connectIntents() {
+  connect(_topPanel, &TopPanel::forceReconnectRequested, this, [this] { _delegate.forceCameraReconnect(); });
+  connect(_topPanel, &TopPanel::counterEdited, this,
+          [this](const QString& text) { _delegate.counterTextDidChange(text); });
+  connect(_topPanel, &TopPanel::settingsRequested, this,
+          [this] { _settingsPopover->toggleSettingsPopover(_topPanel->gearButton()); });
+  connect(_settingsPopover, &SettingsPopover::selectFolderRequested, this,
+          [this] { _delegate.selectFolder(); });
+  connect(_settingsPopover, &SettingsPopover::destinationSelected, this,
+          [this](int index) { _delegate.selectDestination(index); });
+  connect(_leftPane, &ListPane::importRequested, this, [this] { _delegate.listTransfer().loadCSV(); });
+  connect(_leftPane, &ListPane::exportRequested, this, [this] { _delegate.listTransfer().exportGrid(); });
+  connect(_leftPane, &ListPane::tableClicked, this, [this] { _delegate.tableClicked(); });
+}
+
+void MainWindow::layoutUI() {
+  const layout::Window places = layout::window(_content->size());
+  _topPanel->setGeometry(places.topPanel);
+  _splitView->setGeometry(places.splitView);
+  _csvLabel->setGeometry(places.pathLine);
+  _settingsPopover->follow();
+}
+
+void MainWindow::applyAppearance() {
+  applyApplicationAppearance(*qApp);
+  _content->setFill(Palette().appBackgroundColor());
+}
+
+void MainWindow::showWindow() {
+  layoutUI();
+  show();
+  raise();
+  activateWindow();
+  _leftPane->table()->setFocus();
+}
+
+void MainWindow::updateControls(const ControlStates& states) {
+  _topPanel->updateControls(states);
+  _leftPane->updateControls(states);
+  _leftPane->updateNameColumnCount();
+  _settingsPopover->updateControls(states);
+  _menus->setAutoConnect(states.autoConnect);
+}
+
+void MainWindow::updatePathLabels(const QString& line) {
+  _csvLabel->setText(line);
+  _csvLabel->setToolTip(line);
+  _leftPane->updateNameColumnCount();
+}
+
+// ---- What the operator does
+
+void MainWindow::start(Command command) {
+  switch (command) {
+    case Command::None:
+      return;
+    case Command::Quit:
+      return terminate();
+    case Command::Undo:
+    case Command::Redo:
+    case Command::Cut:
+    case Command::Copy:
+    case Command::Paste:
+    case Command::SelectAll:
+      return edit(command);
+    case Command::ImportCSV:
+      return _delegate.listTransfer().loadCSV();
+    case Command::ExportList:
+      return _delegate.listTransfer().exportGrid();
+    case Command::ConnectNow:
+      return _delegate.connectCameraManual();
+    case Command::ForceReconnect:
+      return _delegate.forceCameraReconnect();
+    case Command::Disconnect:
+      return _delegate.disconnectCamera();
+    case Command::ToggleAutoConnect:
+      return _delegate.toggleAutoConnect();
+  }
+}
+
+void MainWindow::edit(Command command) {
+  if (auto* field = qobject_cast<QLineEdit*>(QApplication::focusWidget())) {
+    editText(*field, command);
+  } else if (command == Command::SelectAll && isBuilt()) {
+    _leftPane->table()->selectAll();
+  }
+}
+
+void MainWindow::refreshEditMenu() {
+  const bool editingText = qobject_cast<QLineEdit*>(QApplication::focusWidget()) != nullptr;
+  for (const Command command : {Command::Undo, Command::Redo, Command::Cut, Command::Copy, Command::Paste}) {
+    _menus->action(command)->setEnabled(editingText);
+  }
+}
+
+bool MainWindow::handleKeyDown(int key) {
+  const bool typing = qobject_cast<QLineEdit*>(QApplication::focusWidget()) != nullptr;
+  switch (keyAction(keyOf(key), typing ? KeyFocus::TextInput : KeyFocus::Elsewhere)) {
+    case KeyAction::MoveSelectionUp:
+      _delegate.list().moveGridSelectionBy(-1);
+      return true;
+    case KeyAction::MoveSelectionDown:
+      _delegate.list().moveGridSelectionBy(1);
+      return true;
+    case KeyAction::PreviewPrevious:
+    case KeyAction::PreviewNext:
+    case KeyAction::PassThrough:
+      return false;
+  }
+  return false;
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() != QEvent::KeyPress || !isBuilt()) return false;
+  // Dialogs and menus keep their own arrow keys.
+  const auto* widget = qobject_cast<QWidget*>(watched);
+  if (!widget || widget->window() != this || QApplication::activePopupWidget()) return false;
+  return handleKeyDown(static_cast<QKeyEvent*>(event)->key());
+}
+
+void MainWindow::changeEvent(QEvent* event) {
+  QMainWindow::changeEvent(event);
+  if (event->type() != QEvent::ThemeChange || !_observingAppearance || !isBuilt()) return;
+  QMetaObject::invokeMethod(
+      this, [this] { applyAppearance(); }, Qt::QueuedConnection);
+}
+
+}  // namespace ambrel::ui

@@ -1,0 +1,247 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "ui/SettingsPopover.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainterPath>
+#include <algorithm>
+
+#include "ui/Appearance.h"
+
+namespace ambrel::ui {
+namespace {
+
+constexpr layout::SettingsParts kParts{.backup = false, .reset = false};
+constexpr int kArrowHeight = 9;
+constexpr int kArrowHalfWidth = 10;
+constexpr int kMargin = 8;
+constexpr double kCornerRadius = 12;
+constexpr Shadow kShadow{0.22, 11, {0, 3}};
+
+constexpr std::array kSectionTitles{"SETTINGS", "TARGET FOLDER", "BACKUP FOLDER", "DESTINATION", "TAGS"};
+constexpr std::size_t kBackupSection = 2;
+
+struct Destination {
+  const char* title;
+  const char* toolTip;
+};
+constexpr std::array<Destination, 3> kDestinations{{
+    {"Both", "Save to the camera card AND the computer"},
+    {"Disk", "Save to the computer only"},
+    {"Card", "Save to the camera card only"},
+}};
+
+}  // namespace
+
+SettingsPopover::SettingsPopover(const CaptureSettings& settings, Tags& tags, QWidget* parent)
+    : Surface(parent),
+      _settings(settings),
+      _tags(tags),
+      _folderButton(new AmbrelButton(this)),
+      _settingsFolderPathLabel(makePathLabel(QStringLiteral("No folder chosen"))),
+      _suffixManageButton(new AmbrelButton(this)) {
+  setFill(Qt::transparent);
+  setOutline(kCornerRadius, {}, kShadow);
+  setFocusPolicy(Qt::ClickFocus);
+  // A press on a label of the bubble is not a press outside.
+  setAttribute(Qt::WA_NoMousePropagation);
+  for (std::size_t i = 0; i < kSectionTitles.size(); ++i) {
+    if (i == kBackupSection && !kParts.backup) continue;
+    const bool heading = i == 0;
+    _settingsSectionLabels[i] =
+        new TextLabel(QLatin1String(kSectionTitles[i]), systemFont(heading ? 13 : 10, QFont::Bold),
+                      heading ? Palette().primaryTextColor() : Palette::tertiaryLabelColor(), this);
+  }
+  buildFolderSection();
+  buildDestinationSection();
+  buildTagSection();
+  hide();
+}
+
+void SettingsPopover::buildFolderSection() {
+  _folderButton->setToolTip(QStringLiteral("Choose the folder where captured images are saved"));
+  connect(_folderButton, &AmbrelButton::clicked, this, &SettingsPopover::selectFolderRequested);
+  connect(&_settings, &CaptureSettings::targetDirChanged, this, &SettingsPopover::refreshSettingsPaths);
+  refreshSettingsPaths();
+}
+
+void SettingsPopover::buildDestinationSection() {
+  for (std::size_t i = 0; i < kDestinations.size(); ++i) {
+    auto* button = new AmbrelButton(this);
+    button->setToolTip(QLatin1String(kDestinations[i].toolTip));
+    connect(button, &AmbrelButton::clicked, this,
+            [this, i] { Q_EMIT destinationSelected(static_cast<int>(i)); });
+    _destButtons[i] = button;
+  }
+}
+
+void SettingsPopover::buildTagSection() {
+  _settingsSectionLabels[4]->setToolTip(
+      QStringLiteral("Optional tags you define, added to the folder name for a capture round. Click a tag to "
+                     "toggle it; Edit to add or rename tags."));
+  _suffixManageButton->setToolTip(QStringLiteral("Add, rename, or remove tag buttons (up to 5)"));
+  connect(_suffixManageButton, &AmbrelButton::clicked, this, [this] { _tags.manageSuffixes(); });
+  connect(&_tags, &Tags::toggled, this, &SettingsPopover::restyleSuffixButtons);
+  connect(&_tags, &Tags::listReplaced, this, &SettingsPopover::rebuildSuffixButtons);
+  rebuildSuffixButtons();
+}
+
+TextLabel* SettingsPopover::makePathLabel(const QString& text) {
+  auto* label = new TextLabel(text, systemFont(12), Palette::secondaryLabelColor(), this);
+  label->setElideMode(Qt::ElideMiddle);
+  return label;
+}
+
+void SettingsPopover::toggleSettingsPopover(QWidget* anchor) {
+  if (isVisible()) {
+    hide();
+    return;
+  }
+  _anchor = anchor;
+  refreshSettingsPaths();
+  follow();
+  show();
+  raise();
+  setFocus();
+  qApp->installEventFilter(this);
+}
+
+void SettingsPopover::follow() {
+  if (!_anchor) return;
+  const QSize content = layout::settingsSize(kParts);
+  resize(content + QSize(0, kArrowHeight));
+  const QPoint below = _anchor->mapTo(parentWidget(), QPoint(_anchor->width() / 2, _anchor->height()));
+  const int rightmost = parentWidget()->width() - kMargin - width();
+  move(std::clamp(below.x() - width() / 2, kMargin, std::max(kMargin, rightmost)), below.y() + 2);
+  layoutSettingsContent();
+}
+
+void SettingsPopover::layoutSettingsContent() {
+  const layout::Settings places =
+      layout::settings(layout::settingsSize(kParts), static_cast<int>(_suffixButtons.size()), kParts);
+  const auto place = [](QWidget* widget, const QRect& rect) {
+    if (widget) widget->setGeometry(rect.translated(0, kArrowHeight));
+  };
+  for (std::size_t i = 0; i < _settingsSectionLabels.size(); ++i)
+    place(_settingsSectionLabels[i], places.sectionLabels[i]);
+  place(_folderButton, places.folderButton);
+  place(_settingsFolderPathLabel, places.folderPathLabel);
+  for (std::size_t i = 0; i < _destButtons.size(); ++i)
+    place(_destButtons[i], places.destButtons[i]);
+  for (std::size_t i = 0; i < _suffixButtons.size(); ++i)
+    place(_suffixButtons[i], places.suffixButtons[i]);
+  place(_suffixManageButton, places.suffixManageButton);
+}
+
+void SettingsPopover::updateControls(const ControlStates& states) {
+  _states = states;
+  const Palette palette;
+  _folderButton->styleButton(QStringLiteral("Change…"), palette.blueColor(), states.setupUnlocked);
+  _suffixManageButton->styleButton(QStringLiteral("Edit…"), palette.grayColor(), states.setupUnlocked);
+  restyleDestinationButtons();
+  restyleSuffixButtons();
+}
+
+void SettingsPopover::refreshSettingsPaths() {
+  const QString path = _settings.targetDir();
+  _settingsFolderPathLabel->setText(path.isEmpty() ? QStringLiteral("No folder chosen")
+                                                   : abbreviatedPath(path, QDir::homePath()));
+  _settingsFolderPathLabel->setToolTip(path);
+}
+
+void SettingsPopover::rebuildSuffixButtons() {
+  for (AmbrelButton* button : _suffixButtons) {
+    button->hide();
+    button->deleteLater();
+  }
+  _suffixButtons.clear();
+  for (std::size_t i = 0; i < std::min(_tags.suffixes().size(), Tags::kMaxTags); ++i) {
+    auto* button = new AmbrelButton(this);
+    button->setCheckable(true);
+    connect(button, &AmbrelButton::clicked, this,
+            [this, i](bool on) { _tags.suffixToggled(static_cast<int>(i), on); });
+    button->show();
+    _suffixButtons.push_back(button);
+  }
+  restyleSuffixButtons();
+  layoutSettingsContent();
+}
+
+void SettingsPopover::restyleSuffixButtons() {
+  const Palette palette;
+  for (std::size_t i = 0; i < std::min(_suffixButtons.size(), _tags.suffixes().size()); ++i) {
+    const Tag& tag = _tags.suffixes()[i];
+    AmbrelButton* button = _suffixButtons[i];
+    button->setChecked(tag.on);
+    button->styleButton(tag.label, tag.on ? palette.greenColor() : palette.grayColor(),
+                        _states.setupUnlocked);
+    button->setToolTip(QStringLiteral("Appends \"%1\" to the folder name when on").arg(tag.suffix));
+  }
+}
+
+void SettingsPopover::restyleDestinationButtons() {
+  const Palette palette;
+  for (std::size_t i = 0; i < _destButtons.size(); ++i) {
+    const bool chosen = _states.saveModeIndex == static_cast<int>(i);
+    _destButtons[i]->styleButton(QLatin1String(kDestinations[i].title),
+                                 chosen ? palette.brandColor() : palette.grayColor(), _states.setupUnlocked);
+  }
+}
+
+void SettingsPopover::paintEvent(QPaintEvent* event) {
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  const Palette palette;
+  QPainterPath bubble;
+  const QRectF body = QRectF(rect()).adjusted(0.5, kArrowHeight + 0.5, -0.5, -0.5);
+  bubble.addRoundedRect(body, kCornerRadius, kCornerRadius);
+  if (_anchor) {
+    const double tip = _anchor->mapTo(parentWidget(), QPoint(_anchor->width() / 2, 0)).x() - x();
+    QPolygonF arrow;
+    arrow << QPointF(tip - kArrowHalfWidth, body.top()) << QPointF(tip, 1)
+          << QPointF(tip + kArrowHalfWidth, body.top()) << QPointF(tip, body.top() + 4);
+    QPainterPath arrowPath;
+    arrowPath.addPolygon(arrow);
+    arrowPath.closeSubpath();
+    bubble = bubble.united(arrowPath);
+  }
+  painter.setPen(QPen(palette.softBorderColor().darker(112), 1));
+  painter.setBrush(palette.cardBackgroundColor());
+  painter.drawPath(bubble);
+  painter.end();
+  Surface::paintEvent(event);
+}
+
+void SettingsPopover::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Escape) {
+    hide();
+  } else {
+    Surface::keyPressEvent(event);
+  }
+}
+
+bool SettingsPopover::isOwn(const QObject* object) const {
+  const auto* widget = qobject_cast<const QWidget*>(object);
+  return widget == this || (widget && isAncestorOf(widget));
+}
+
+bool SettingsPopover::eventFilter(QObject* watched, QEvent* event) {
+  if (!isVisible()) {
+    qApp->removeEventFilter(this);
+    return false;
+  }
+  const auto* widget = qobject_cast<QWidget*>(watched);
+  const bool pressedOutside = event->type() == QEvent::MouseButtonPress && widget &&
+                              widget->window() == window() && widget != _anchor && !isOwn(widget);
+  if (pressedOutside) hide();
+  return false;
+}
+
+QString abbreviatedPath(const QString& path, const QString& home) {
+  if (path == home) return QStringLiteral("~");
+  return path.startsWith(home + QLatin1Char('/')) ? QLatin1Char('~') + path.mid(home.size()) : path;
+}
+
+}  // namespace ambrel::ui

@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "ui/Surface.h"
+
+#include <QPaintEvent>
+#include <algorithm>
+#include <cmath>
+
+#include "ui/Palette.h"
+
+namespace ambrel::ui {
+namespace {
+
+constexpr double kCardCornerRadius = 14;
+constexpr double kCardBorderWidth = 1;
+constexpr Shadow kCardShadow{0.08, 8, {0, 2}};
+// No shadow of this application reaches further than this beyond its shape.
+constexpr int kShadowReach = 12;
+
+// Share of the full opacity at `distance` (-radius inside to +radius outside) from the shape's edge: the
+// S-curve that a blurred edge has.
+double shadowStrength(double distance, double radius) {
+  const double t = std::clamp((radius - distance) / (2 * radius), 0.0, 1.0);
+  return t * t * (3 - 2 * t);
+}
+
+// Where the shadow of a caster can be seen: around it and in its four rounded corners, not below it.
+QRegion visibleShadowRegion(const QRect& place, double cornerRadius) {
+  const int corner = static_cast<int>(std::ceil(cornerRadius));
+  return QRegion(place.adjusted(-kShadowReach, -kShadowReach, kShadowReach, kShadowReach)) -
+         place.adjusted(corner, 0, -corner, 0) - place.adjusted(0, corner, 0, -corner);
+}
+
+void paintCasterShadow(QPainter& painter, const ShadowCaster& caster, const QRect& place,
+                       const QRect& dirty) {
+  const QRegion visible = visibleShadowRegion(place, caster.cornerRadius()) & dirty;
+  if (visible.isEmpty()) return;
+  painter.save();
+  painter.setClipRegion(visible, Qt::IntersectClip);
+  paintShadow(painter, place, caster.cornerRadius(), caster.shadow());
+  painter.restore();
+}
+
+void paintShadowsBelow(QPainter& painter, const QWidget* surface, const QWidget* container,
+                       const QRect& dirty) {
+  for (const QObject* object : container->children()) {
+    const auto* child = qobject_cast<const QWidget*>(object);
+    if (!child || child->isWindow() || !child->isVisibleTo(surface)) continue;
+    const QRect place(child->mapTo(surface, QPoint(0, 0)), child->size());
+    if (const auto* caster = dynamic_cast<const ShadowCaster*>(child))
+      paintCasterShadow(painter, *caster, place, dirty);
+    if (!qobject_cast<const Surface*>(child)) paintShadowsBelow(painter, surface, child, dirty);
+  }
+}
+
+}  // namespace
+
+void paintShadow(QPainter& painter, const QRectF& shape, double cornerRadius, const Shadow& shadow) {
+  if (shadow.opacity <= 0 || shadow.radius <= 0) return;
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Qt::NoPen);
+  const double step = 0.5;
+  double laidDown = 0;
+  for (double distance = shadow.radius; distance > -shadow.radius; distance -= step) {
+    const double wanted = shadow.opacity * shadowStrength(distance, shadow.radius);
+    // Each layer adds what is still missing at its distance, given the layers already below it.
+    const double layer = (wanted - laidDown) / (1 - laidDown);
+    laidDown = wanted;
+    const double radius = std::max(0.0, cornerRadius + distance);
+    const QRectF ring = shape.translated(shadow.offset).adjusted(-distance, -distance, distance, distance);
+    if (ring.isEmpty()) break;
+    painter.setBrush(QColor::fromRgbF(0, 0, 0, static_cast<float>(layer)));
+    painter.drawRoundedRect(ring, radius, radius);
+  }
+  painter.restore();
+}
+
+void updateShadowOf(QWidget* caster) {
+  QWidget* below = caster->parentWidget();
+  while (below && !qobject_cast<Surface*>(below))
+    below = below->parentWidget();
+  if (!below) return;
+  const QRect place(caster->mapTo(below, QPoint(0, 0)), caster->size());
+  below->update(place.adjusted(-kShadowReach, -kShadowReach, kShadowReach, kShadowReach));
+}
+
+Surface::Surface(QWidget* parent) : QWidget(parent) {}
+
+void Surface::setFill(const QColor& fill) {
+  if (_fill == fill) return;
+  _fill = fill;
+  update();
+}
+
+void Surface::styleCardView(const QColor& fill) {
+  const Palette palette;
+  setFill(fill.isValid() ? fill : palette.cardBackgroundColor());
+  setOutline(kCardCornerRadius, palette.softBorderColor(), kCardShadow);
+}
+
+void Surface::setOutline(double cornerRadius, const QColor& border, const Shadow& shadow) {
+  _cornerRadius = cornerRadius;
+  _border = border;
+  _shadow = shadow;
+  update();
+  updateShadowOf(this);
+}
+
+void Surface::paintEvent(QPaintEvent* event) {
+  QPainter painter(this);
+  if (_cornerRadius <= 0) {
+    painter.fillRect(rect(), _fill);
+  } else {
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(_border.isValid() ? QPen(_border, kCardBorderWidth) : QPen(Qt::NoPen));
+    painter.setBrush(_fill);
+    const double inset = _border.isValid() ? kCardBorderWidth / 2 : 0;
+    const QRectF shape = QRectF(rect()).adjusted(inset, inset, -inset, -inset);
+    painter.drawRoundedRect(shape, _cornerRadius - inset, _cornerRadius - inset);
+  }
+  paintShadowsBelow(painter, this, this, event->rect());
+}
+
+void Surface::resizeEvent(QResizeEvent*) {
+  Q_EMIT resized();
+}
+
+}  // namespace ambrel::ui

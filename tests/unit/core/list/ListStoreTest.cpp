@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <QDir>
+
+#include "ListFixture.h"
+#include "core/list/ListStore.h"
+
+namespace ambrel {
+namespace {
+
+using Rows = std::vector<Row>;
+
+class ListStoreTest : public ListFixture {
+ protected:
+  bool save(Rows rows) {
+    grid.replaceAll(std::move(rows));
+    return store.save(grid);
+  }
+  NameGrid grid;
+};
+
+TEST_F(ListStoreTest, LiesInTheFolderOfTheApplication) {
+  EXPECT_EQ(store.gridStorePath(),
+            locations.applicationSupport + QStringLiteral("/Ambrel Tether/ambrel_grid.csv"));
+}
+
+TEST_F(ListStoreTest, CreatesItsFolderWheneverItsPathIsAskedFor) {
+  QDir folder(locations.applicationSupport + QStringLiteral("/Ambrel Tether"));
+  ASSERT_TRUE(folder.removeRecursively());
+  (void)store.gridStorePath();
+  EXPECT_TRUE(folder.exists());
+}
+
+TEST_F(ListStoreTest, GivesBackTheListThatWasSaved) {
+  const Rows rows = {{"Anna", "front, \"left\"", "3", "1"}, {"Łukasz/2", "", "0", ""}};
+  EXPECT_TRUE(save(rows));
+  EXPECT_TRUE(store.exists());
+  EXPECT_EQ(store.load(), rows);
+}
+
+TEST_F(ListStoreTest, GivesNoneWithoutAFile) {
+  EXPECT_FALSE(store.exists());
+  EXPECT_EQ(store.load(), std::nullopt);
+}
+
+TEST_F(ListStoreTest, GivesNoRowsForAFileThatCannotBeRead) {
+  ASSERT_TRUE(QDir().mkpath(store.gridStorePath()));
+  EXPECT_EQ(store.load(), Rows{});
+}
+
+TEST_F(ListStoreTest, SavesOnTheCallingThreadAndFlushesBehind) {
+  save({{"Anna"}});
+  store.finishFlush();
+  EXPECT_EQ(files.replacements, 1);
+  EXPECT_EQ(files.replacingThread.load(), std::this_thread::get_id());
+  EXPECT_EQ(files.flushes, 1);
+  EXPECT_NE(files.flushingThread.load(), std::this_thread::get_id());
+}
+
+TEST_F(ListStoreTest, FlushesTheLastOfManySaves) {
+  for (int i = 0; i < 50; ++i)
+    save({{std::to_string(i)}});
+  store.finishFlush();
+  EXPECT_EQ(files.replacements, 50);
+  EXPECT_GE(files.flushes, 1);
+  EXPECT_LE(files.flushes, 50);
+  EXPECT_EQ(store.load(), (Rows{{"49", "", "0", ""}}));
+}
+
+TEST_F(ListStoreTest, KeepsTheListOfBeforeWhenItCannotBeWritten) {
+  save({{"Anna", "", "0", ""}});
+  store.finishFlush();
+  files.fail = true;
+  EXPECT_FALSE(save({{"Ben"}}));
+  store.finishFlush();
+  EXPECT_EQ(files.flushes, 1);
+  EXPECT_EQ(store.load(), (Rows{{"Anna", "", "0", ""}}));
+}
+
+TEST_F(ListStoreTest, FlushesBeforeItEnds) {
+  {
+    ListStore brief(files, locations);
+    grid.append({"Anna"});
+    brief.save(grid);
+  }
+  EXPECT_EQ(files.flushes, 1);
+}
+
+TEST_F(ListStoreTest, LeavesNothingBesideTheStore) {
+  save({{"Anna"}});
+  save({{"Ben"}});
+  EXPECT_EQ(QDir(locations.applicationSupport + QStringLiteral("/Ambrel Tether"))
+                .entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
+            QStringList(QStringLiteral("ambrel_grid.csv")));
+}
+
+TEST_F(ListStoreTest, RemovesTheFileAndMindsNoneBeingThere) {
+  save({{"Anna"}});
+  store.remove();
+  EXPECT_FALSE(store.exists());
+  store.remove();
+  EXPECT_EQ(store.load(), std::nullopt);
+}
+
+}  // namespace
+}  // namespace ambrel

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <QCoreApplication>
+#include <gtest/gtest.h>
+
+#include "demo/DemoCamera.h"
+
+using namespace ambrel;
+
+namespace {
+
+TEST(DemoCamera, ReadsTheHashesOutOfAnAnswer) {
+  const QString hash(64, QLatin1Char('a'));
+  EXPECT_EQ(hashesInAnswer({"photo name=IMG_0001.JPG size=1 sha256=" + hash + " shot=1 place=card", "noise"}),
+            QStringList{hash});
+}
+
+TEST(DemoCamera, SaysThatItsProgramIsMissing) {
+  DemoCamera camera("/no such program", DemoCamera::Console::None);
+  QString reason;
+  QObject::connect(&camera, &DemoCamera::failed, &camera, [&](const QString& why) { reason = why; });
+  camera.start();
+  while (reason.isEmpty()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  EXPECT_TRUE(reason.startsWith("The simulated camera: ")) << reason.toStdString();
+}
+
+}  // namespace

@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <QImage>
+#include <gtest/gtest.h>
+
+#include "ui/Palette.h"
+#include "ui/Surface.h"
+
+namespace ambrel::ui {
+namespace {
+
+QImage pictureOf(QWidget& widget, int scale = 1) {
+  QImage picture(widget.size() * scale, QImage::Format_ARGB32_Premultiplied);
+  picture.setDevicePixelRatio(scale);
+  picture.fill(Qt::white);
+  widget.render(&picture);
+  return picture;
+}
+
+class SurfaceTest : public ::testing::Test {
+ protected:
+  SurfaceTest() {
+    _ground.resize(200, 200);
+    _ground.setFill(Qt::white);
+    _card.setGeometry(50, 50, 100, 100);
+    _card.styleCardView();
+  }
+  Surface _ground;
+  Surface _card{&_ground};
+};
+
+TEST_F(SurfaceTest, CardsAreWhiteUnlessGivenAFill) {
+  EXPECT_EQ(_card.fill(), Palette().cardBackgroundColor());
+  _card.styleCardView(Palette().softPanelColor());
+  EXPECT_EQ(_card.fill(), Palette().softPanelColor());
+}
+
+TEST_F(SurfaceTest, CardsHaveRoundedCornersABorderAndASoftShadow) {
+  EXPECT_EQ(_card.cornerRadius(), 14);
+  EXPECT_EQ(_card.shadow(), (Shadow{0.08, 8, {0, 2}}));
+  const QImage picture = pictureOf(_ground);
+  EXPECT_EQ(picture.pixel(50, 100), Palette().softBorderColor().rgb());
+  EXPECT_EQ(picture.pixelColor(100, 100), QColor(Qt::white));
+}
+
+TEST_F(SurfaceTest, TheShadowFallsOnTheSurfaceBelowAndFadesOutwards) {
+  const QImage picture = pictureOf(_ground);
+  const int near = picture.pixelColor(100, 151).lightness();
+  const int further = picture.pixelColor(100, 155).lightness();
+  EXPECT_LT(near, further);
+  EXPECT_LT(further, 255);
+  EXPECT_EQ(picture.pixelColor(100, 175).lightness(), 255);
+}
+
+TEST_F(SurfaceTest, TheShadowIsDeeperBelowThanAbove) {
+  const QImage picture = pictureOf(_ground);
+  EXPECT_LT(picture.pixelColor(100, 152).lightness(), picture.pixelColor(100, 47).lightness());
+}
+
+TEST_F(SurfaceTest, CastsTheShadowOfCardsThatStandInPlainContainers) {
+  _card.hide();
+  QWidget container(&_ground);
+  container.setGeometry(0, 0, 200, 200);
+  Surface card(&container);
+  card.setGeometry(50, 50, 100, 100);
+  card.styleCardView();
+  EXPECT_LT(pictureOf(_ground).pixelColor(100, 152).lightness(), 255);
+}
+
+TEST_F(SurfaceTest, HiddenCardsCastNoShadow) {
+  _card.hide();
+  EXPECT_EQ(pictureOf(_ground).pixelColor(100, 152).lightness(), 255);
+}
+
+TEST_F(SurfaceTest, PaintsTheSameShapesAtTwiceTheScale) {
+  const QImage picture = pictureOf(_ground, 2);
+  EXPECT_EQ(picture.pixel(100, 200), Palette().softBorderColor().rgb());
+  EXPECT_EQ(picture.pixel(101, 200), Palette().softBorderColor().rgb());
+  EXPECT_EQ(picture.pixelColor(103, 200), QColor(Qt::white));
+}
+
+}  // namespace
+}  // namespace ambrel::ui

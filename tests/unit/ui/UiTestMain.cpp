@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <QApplication>
+#include <gtest/gtest.h>
+
+#include "ui/Appearance.h"
+
+// The main of the window's tests: an application that paints into memory.
+int main(int argc, char** argv) {
+  qputenv("LC_ALL", "C.UTF-8");
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  ::testing::InitGoogleTest(&argc, argv);
+  QApplication application(argc, argv);
+  ambrel::ui::applyApplicationAppearance(application);
+  return RUN_ALL_TESTS();
+}
