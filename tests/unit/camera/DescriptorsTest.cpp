@@ -25,7 +25,8 @@ TEST(Descriptors, CountInternetSocketsAndNothingElse) {
   expected.insert(internet);
   if (internet6 >= 0) expected.insert(internet6);
   EXPECT_EQ(openInternetSockets(), expected);
-  for (const int fd : {internet, internet6, local, file}) close(fd);
+  for (const int fd : {internet, internet6, local, file})
+    close(fd);
 }
 
 TEST(Descriptors, CloseTheSocketsThatAreNotKept) {
@@ -71,7 +72,8 @@ TEST(Descriptors, OccupyStandardInputOnlyWhenItIsFree) {
   ASSERT_EQ(write(ends[1], "x", 1), 1);
   EXPECT_EQ(read(STDIN_FILENO, &byte, 1), 1);
   if (saved >= 0) dup2(saved, STDIN_FILENO);
-  for (const int fd : {saved, ends[0], ends[1]}) close(fd);
+  for (const int fd : {saved, ends[0], ends[1]})
+    close(fd);
 }
 
 }  // namespace

@@ -13,7 +13,9 @@ namespace {
 
 class GphotoCamera : public ::testing::Test {
  protected:
-  camera::GphotoCamera at(const std::string& port) { return {port, watchdog, [](const std::string&) {}}; }
+  camera::GphotoCamera at(const std::string& port) {
+    return {port, watchdog, [](const std::string&) {}};
+  }
   // A port of loopback that nobody listens on.
   static std::string closedPort() {
     const int server = socket(AF_INET, SOCK_STREAM, 0);

@@ -17,7 +17,8 @@ constexpr milliseconds kLong{600000};
 class LineInput : public ::testing::Test {
  protected:
   ~LineInput() override {
-    for (const int fd : {commands[0], commands[1], other[0], other[1]}) close(fd);
+    for (const int fd : {commands[0], commands[1], other[0], other[1]})
+      close(fd);
   }
   static std::array<int, 2> newPipe() {
     std::array<int, 2> ends{};

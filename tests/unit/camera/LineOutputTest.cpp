@@ -23,7 +23,8 @@ class LineOutput : public ::testing::Test {
     return ends;
   }
   ~LineOutput() override {
-    for (const int fd : ends) close(fd);
+    for (const int fd : ends)
+      close(fd);
   }
   std::string read() {
     std::array<char, 4096> bytes{};
@@ -61,7 +62,8 @@ TEST_F(LineOutput, TriesOnlyForAsLongAsItMay) {
   output.trySay({Message::Kind::Ready}, std::chrono::milliseconds(1));
   std::string got;
   fcntl(ends[0], F_SETFL, O_NONBLOCK);
-  for (std::string piece = read(); !piece.empty(); piece = read()) got += piece;
+  for (std::string piece = read(); !piece.empty(); piece = read())
+    got += piece;
   EXPECT_EQ(got.find("READY"), std::string::npos);
 }
 

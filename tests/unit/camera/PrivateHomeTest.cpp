@@ -58,7 +58,8 @@ TEST_F(PrivateHome, RemovesThoseOfDeadProcessesOnly) {
   fs::create_directory(temporary.file("ambrel-worker-notes"));
   temporary.write("ambrel-worker-" + dead + "-file", "not a folder");
   { const camera::PrivateHome home; }
-  std::vector<std::string> kept{"ambrel-worker-1-abcdef", "ambrel-worker-" + dead + "-file", "ambrel-worker-notes"};
+  std::vector<std::string> kept{"ambrel-worker-1-abcdef", "ambrel-worker-" + dead + "-file",
+                                "ambrel-worker-notes"};
   std::sort(kept.begin(), kept.end());
   EXPECT_EQ(temporary.names(), kept);
 }

@@ -22,7 +22,8 @@ class WatchdogRules : public ::testing::Test {
     return ends;
   }
   ~WatchdogRules() override {
-    for (const int fd : ends) close(fd);
+    for (const int fd : ends)
+      close(fd);
   }
   static Time at(int ms) { return Time{} + milliseconds(ms); }
 
@@ -58,7 +59,8 @@ TEST_F(WatchdogRules, LetsAnEndThatWasAskedForTakeALittle) {
   ASSERT_EQ(write(ends[1], "x", 1), 1);
   EXPECT_EQ(state.overdue(at(1000)), "");
   EXPECT_EQ(state.overdue(at(1000) + WatchdogState::kEndPatience), "");
-  EXPECT_EQ(state.overdue(at(1001) + WatchdogState::kEndPatience), "the worker was asked to end and could not");
+  EXPECT_EQ(state.overdue(at(1001) + WatchdogState::kEndPatience),
+            "the worker was asked to end and could not");
 }
 
 TEST_F(WatchdogRules, TakesAHangUpForAnEnd) {
