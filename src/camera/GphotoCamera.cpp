@@ -70,8 +70,8 @@ int takeSize(void*, std::uint64_t*) {
   return GP_OK;
 }
 
-// In the middle of a photo the library neither looks at our result nor asks for a cancellation. Over a network its
-// connection can be ended; by USB the photo is soon over anyway.
+// In the middle of a photo the library neither looks at our result nor asks for a cancellation. Over a
+// network its connection can be ended; by USB the photo is soon over anyway.
 int takeBytes(void* priv, unsigned char* data, std::uint64_t* length) {
   auto& transfer = *static_cast<Transfer*>(priv);
   transfer.watchdog.feed();

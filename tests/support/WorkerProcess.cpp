@@ -74,8 +74,8 @@ void WorkerProcess::start(const Launch& launch) {
   ::posix_spawn_file_actions_adddup2(&actions, toWorker[0], STDIN_FILENO);
   ::posix_spawn_file_actions_adddup2(&actions, fromWorker[1], STDOUT_FILENO);
   ::posix_spawn_file_actions_adddup2(&actions, fromWorker[1], STDERR_FILENO);
-  const int failure = ::posix_spawnp(&_pid, words.front().c_str(), &actions, nullptr, pointersTo(words).data(),
-                                     pointersTo(environment).data());
+  const int failure = ::posix_spawnp(&_pid, words.front().c_str(), &actions, nullptr,
+                                     pointersTo(words).data(), pointersTo(environment).data());
   ::posix_spawn_file_actions_destroy(&actions);
   ::close(toWorker[0]);
   ::close(fromWorker[1]);

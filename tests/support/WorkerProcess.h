@@ -11,8 +11,8 @@
 namespace ambrel {
 
 // The program ambrel_cpp_worker for the time of a test, started as the application starts it: its standard
-// output and standard error are one pipe. What does not come in time is thrown as std::runtime_error, with all
-// that the worker has said.
+// output and standard error are one pipe. What does not come in time is thrown as std::runtime_error, with
+// all that the worker has said.
 class WorkerProcess {
  public:
   struct Launch {

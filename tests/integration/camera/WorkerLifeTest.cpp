@@ -37,10 +37,11 @@ TEST_F(WorkerLife, TellsEachStepOfConnecting) {
   for (const std::string& line : worker->lines()) {
     if (!line.starts_with("LOG|")) steps.push_back(line);
   }
-  EXPECT_EQ(std::vector<std::string>(steps.begin() + 3, steps.end()),
-            (std::vector<std::string>{"STATUS|waiting for camera usb", "STATUS|connecting to camera",
-                                      "STATUS|opening camera session", "STATUS|setting save destination",
-                                      "STATUS|checking camera memory card", "STATUS|connected", "CONNECTED|"}));
+  EXPECT_EQ(
+      std::vector<std::string>(steps.begin() + 3, steps.end()),
+      (std::vector<std::string>{"STATUS|waiting for camera usb", "STATUS|connecting to camera",
+                                "STATUS|opening camera session", "STATUS|setting save destination",
+                                "STATUS|checking camera memory card", "STATUS|connected", "CONNECTED|"}));
 }
 
 TEST_F(WorkerLife, EndsOnQuitWithoutACamera) {
