@@ -88,6 +88,7 @@ class ListFixture : public ::testing::Test {
   }
   QByteArray storedList() const { return contentOf(store.gridStorePath()); }
   QString path(const QString& name) const { return home.filePath(name); }
+  bool statusWasSet() const { return !steps.filter(QStringLiteral("status: ")).isEmpty(); }
   QStringList shownNames() const {
     QStringList names;
     for (const qint64 row : list.filteredRows())
