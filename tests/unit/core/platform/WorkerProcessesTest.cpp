@@ -4,6 +4,7 @@
 #include <QFileInfo>
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <string>
 
 #include "core/platform/WorkerProcesses.h"
 #include "support/NamedWorkers.h"
@@ -13,8 +14,11 @@ namespace {
 
 using Ids = std::vector<qint64>;
 
-// These names are longer than the 15 characters that the system keeps of a process name.
-const char* const kName = "ambrel_listing_test_worker";
+// Longer than the 15 characters that the system keeps of a process name, and no other test's that runs
+// beside.
+const std::string kUniqueName =
+    "ambrel_listing_test_worker_" + std::to_string(QCoreApplication::applicationPid());
+const char* const kName = kUniqueName.c_str();
 
 class WorkerProcessesTest : public ::testing::Test {
  protected:
@@ -42,9 +46,10 @@ TEST_F(WorkerProcessesTest, KnowAProcessWhoseExecutableWasDeletedOrReplaced) {
 }
 
 TEST_F(WorkerProcessesTest, TakeNoOtherProcessForIt) {
-  for (const char* other : {"ambrel_listing_test_worker2", "xambrel_listing_test_worker", "ambrel_listing_",
-                            "Ambrel_listing_test_worker", "ambrel_listing_test_worker (deleted)"}) {
-    ASSERT_TRUE(workers.run(other)) << other;
+  const std::string& name = kUniqueName;
+  for (const std::string& other :
+       {name + "2", "x" + name, name.substr(0, 15), "A" + name.substr(1), name + " (deleted)"}) {
+    ASSERT_TRUE(workers.run(other.c_str())) << other;
   }
   ASSERT_TRUE(workers.runCalled(kName, "another_program"));
   EXPECT_EQ(processesRunning(kName), Ids{});
