@@ -33,7 +33,7 @@ QProcess* NamedWorkers::runCalled(const QString& argumentZero, const QString& fi
 
 QString NamedWorkers::copyProgram(const QString& fileName) {
   const QDir folder(_folder.filePath(QString::number(_processes.size())));
-  const QString path = folder.filePath(fileName);
+  QString path = folder.filePath(fileName);
   EXPECT_TRUE(folder.mkpath("."));
   EXPECT_TRUE(QFile::copy(QStringLiteral(AMBREL_NOISY_WORKER), path));
   return path;

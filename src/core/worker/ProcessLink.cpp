@@ -41,7 +41,7 @@ ProcessLink::~ProcessLink() {
 Result<void> ProcessLink::start(const WorkerLaunch& launch) {
   drop();
   auto worker = std::make_unique<RunningWorker>();
-  if (const Result<void> started = worker->start(launch); !started) return started;
+  if (Result<void> started = worker->start(launch); !started) return started;
   RunningWorker* const started = worker.get();
   connect(started, &RunningWorker::lineArrived, this, &WorkerLink::blockArrived);
   connect(started, &RunningWorker::ended, this, [this, started] {

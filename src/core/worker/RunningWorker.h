@@ -64,8 +64,8 @@ class RunningWorker : public QObject {
   std::unique_ptr<QSocketNotifier> _outputReady;
   protocol::LineFramer _framer;
   bool _abandoned = false;
-  std::array<char, 64 * 1024> _piece;
-  std::string_view _undelivered;  // the rest of _piece
+  std::array<char, 65536> _piece;  // what a pipe holds
+  std::string_view _undelivered;   // the rest of _piece
   // Bytes to be read yet once the process has ended: its own children may keep the pipe open and write on.
   qint64 _remaining = -1;  // -1 while the process runs
 };
