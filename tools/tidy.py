@@ -35,7 +35,7 @@ def project_headers(source, seen):
 
 
 def fingerprint(source):
-    digest = hashlib.sha256((ROOT / ".clang-tidy").read_bytes())
+    digest = hashlib.sha256((ROOT / ".clang-tidy").read_bytes() + (ROOT / "tests" / ".clang-tidy").read_bytes())
     for path in sorted(project_headers(source, set())):
         digest.update(path.read_bytes())
     return digest.hexdigest()

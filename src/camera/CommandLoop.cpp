@@ -296,8 +296,9 @@ Outcome<> CommandLoop::startFromCard() {
 
 void CommandLoop::cardChanged() {
   _ledger.forgetCard();
-  Outcome<> done = warnIfCardIsMissing();
-  if (done && _state == State::Watching) done = startFromCard();
+  Outcome<> done = Done{};
+  if (_state == State::Watching) done = startFromCard();
+  if (done) done = warnIfCardIsMissing();
   if (!done) cameraFailed(done.failure());
 }
 
@@ -309,9 +310,11 @@ void CommandLoop::lookAtCardWhenDue() {
   _quietSince = now;
   const Outcome<std::uint64_t> room = patiently([this] { return _camera.cardFreeKib(); });
   if (!room) return cameraFailed(room.failure());
-  const bool lessThanBefore = _cardRoom && room.value() < *_cardRoom;
-  _cardRoom = room.value();
-  if (lessThanBefore) lookAtCard();
+  const std::optional<std::uint64_t> before = std::exchange(_cardRoom, room.value());
+  if (!before || *before == room.value()) return;
+  if (room.value() < *before) return lookAtCard();
+  // Photos were deleted, or it is another card.
+  if (const Outcome<> started = startFromCard(); !started) cameraFailed(started.failure());
 }
 
 void CommandLoop::lookAtCard() {

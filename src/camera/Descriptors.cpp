@@ -30,6 +30,12 @@ void closeInternetSocketsBut(const std::set<int>& kept) {
   }
 }
 
+void endInternetSocketsBut(const std::set<int>& kept) {
+  for (const int fd : openInternetSockets()) {
+    if (kept.count(fd) == 0) shutdown(fd, SHUT_RDWR);
+  }
+}
+
 void occupyStandardInput() {
   if (fcntl(STDIN_FILENO, F_GETFD) >= 0) return;
   // The lowest free descriptor is taken, which is this one.

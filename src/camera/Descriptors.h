@@ -13,6 +13,9 @@ std::set<int> openInternetSockets();
 // Closes those that are not among `kept`.
 void closeInternetSocketsBut(const std::set<int>& kept);
 
+// Ends the connections of those that are not among `kept`: a call that waits for one fails at once.
+void endInternetSocketsBut(const std::set<int>& kept);
+
 // The library closes descriptor 0 with every session over a network. Left free, it would become the socket of
 // the next session, and be closed under it.
 void occupyStandardInput();

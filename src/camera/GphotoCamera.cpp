@@ -62,19 +62,24 @@ bool contains(std::string_view text, std::string_view part) {
 struct Transfer {
   PhotoSink& sink;
   Watchdog& watchdog;
-  bool stopped = false;
+  const std::set<int>& ourSockets;
+  bool brokenOff = false;
 };
 
 int takeSize(void*, std::uint64_t*) {
   return GP_OK;
 }
 
+// In the middle of a photo the library neither looks at our result nor asks for a cancellation. Over a
+// network its connection can be ended; by USB the photo is soon over anyway.
 int takeBytes(void* priv, unsigned char* data, std::uint64_t* length) {
   auto& transfer = *static_cast<Transfer*>(priv);
   transfer.watchdog.feed();
-  if (transfer.sink.write({data, static_cast<std::size_t>(*length)})) return GP_OK;
-  transfer.stopped = true;
-  return GP_ERROR_CANCEL;
+  if (!transfer.brokenOff && !transfer.sink.write({data, static_cast<std::size_t>(*length)})) {
+    transfer.brokenOff = true;
+    endInternetSocketsBut(transfer.ourSockets);
+  }
+  return transfer.brokenOff ? GP_ERROR_CANCEL : GP_OK;
 }
 
 }  // namespace
@@ -226,7 +231,7 @@ Outcome<CameraFile> GphotoCamera::withSize(const std::string& folder, const std:
 
 Outcome<> GphotoCamera::download(const CameraFile& file, PhotoSink& sink) {
   const Watchdog::Deadline deadline(_watchdog, "downloading " + file.name, kCallLimit);
-  Transfer transfer{sink, _watchdog};
+  Transfer transfer{sink, _watchdog, _ourSockets};
   CameraFileHandler handler{takeSize, nullptr, takeBytes};
   ::CameraFile* held = nullptr;
   int result = gp_file_new_from_handler(&held, &handler, &transfer);
@@ -235,7 +240,7 @@ Outcome<> GphotoCamera::download(const CameraFile& file, PhotoSink& sink) {
     result = gp_camera_file_get(_camera.get(), file.folder.c_str(), file.name.c_str(), GP_FILE_TYPE_NORMAL,
                                 target.get(), _context.get());
   }
-  if (transfer.stopped) return Failure{Failure::Kind::Stopped, "the worker was asked to end"};
+  if (transfer.brokenOff) return Failure{Failure::Kind::Stopped, "the worker was asked to end"};
   if (result < GP_OK) return failureFor(result);
   return Done{};
 }

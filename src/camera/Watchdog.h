@@ -12,24 +12,50 @@
 
 namespace ambrel::camera {
 
+// What a watchdog knows, and when it has seen enough.
+class WatchdogState {
+ public:
+  using Time = std::chrono::steady_clock::time_point;
+  static constexpr std::chrono::seconds kEndPatience{6};
+
+  // Once one of `endings` shows its events or is hung up, the process has kEndPatience left.
+  explicit WatchdogState(std::vector<pollfd> endings) : _endings(std::move(endings)) {}
+
+  void arm(std::string what, std::chrono::milliseconds limit, Time now);
+  void disarm() { _armed = false; }
+  // A sign of life: the running deadline begins anew.
+  void feed(Time now) { _since = now; }
+  // Why the process has to end, or an empty text. To be asked regularly.
+  std::string overdue(Time now);
+
+ private:
+  bool endingAsked();
+
+  std::vector<pollfd> _endings;
+  bool _endingSeen = false;
+  Time _endingSince;
+  bool _armed = false;
+  std::string _what;
+  std::chrono::milliseconds _limit{0};
+  Time _since;
+};
+
 // Guards a thread that may be caught in a call for ever. It looks from a thread of its own, several times a
 // second, and calls `expired` there when a deadline has passed: the only cure is then to end the process.
 class Watchdog {
  public:
   using Expired = std::function<void(const std::string& reason)>;
+  static constexpr std::chrono::milliseconds kTick{200};
 
-  // Once one of `endings` shows its events or is hung up, the process has kEndPatience left.
   Watchdog(std::vector<pollfd> endings, Expired expired);
   ~Watchdog();
   Watchdog(const Watchdog&) = delete;
   Watchdog& operator=(const Watchdog&) = delete;
 
-  static constexpr std::chrono::seconds kEndPatience{6};
-  static constexpr std::chrono::milliseconds kTick{200};
-
   // Holds for as long as it lives. One at a time.
   class Deadline {
    public:
+    // `what` completes the sentence "no answer from the camera while ...".
     Deadline(Watchdog& watchdog, std::string what, std::chrono::milliseconds limit);
     ~Deadline();
     Deadline(const Deadline&) = delete;
@@ -38,26 +64,16 @@ class Watchdog {
    private:
     Watchdog& _watchdog;
   };
-  // A sign of life: the running deadline begins anew.
   void feed();
 
  private:
-  using Time = std::chrono::steady_clock::time_point;
   void watch();
-  bool endingAsked();
-  std::string overdue(Time now);
 
-  std::vector<pollfd> _endings;
   Expired _expired;
-  bool _endingSeen = false;
-  Time _endingSince;
   std::mutex _mutex;  // guards what follows
   std::condition_variable _wake;
   bool _stopped = false;
-  bool _armed = false;
-  std::string _what;
-  std::chrono::milliseconds _limit{0};
-  Time _since;
+  WatchdogState _state;
   std::thread _thread;
 };
 

@@ -54,6 +54,8 @@ int main(int argc, char** argv) {
   }
   // The library writes to connections that the camera may have closed.
   std::signal(SIGPIPE, SIG_IGN);
+  // A file that may not grow is a failed download, as on a full disk.
+  std::signal(SIGXFSZ, SIG_IGN);
   // Its texts are looked at, and come translated otherwise.
   setenv("LC_ALL", "C", 1);
   const int termination = terminationRequests();

@@ -28,13 +28,14 @@ Demo::Demo(Mode mode, Clock& clock, const SampleShoot& shoot, DemoCamera& camera
 void Demo::run(AmbrelAppDelegate& application, std::function<bool(const QString&)> saveScreenshot) {
   _application = &application;
   _saveScreenshot = std::move(saveScreenshot);
+  connect(&application, &AmbrelAppDelegate::watchingConfirmed, this, [this] { _cameraWatched = true; });
   switch (_mode) {
     case Mode::ByHand:
       print(QStringLiteral("Type \"shoot\" and press Return to take a picture, \"help\" for more."));
       return;
     case Mode::Automatic:
       _clock.callEvery(kAutomaticPeriod, this, [this] {
-        if (_application->isWatching()) _camera.command("shoot");
+        if (isWatched()) _camera.command("shoot");
       });
       return;
     case Mode::Unattended:
@@ -47,9 +48,15 @@ void Demo::run(AmbrelAppDelegate& application, std::function<bool(const QString&
   connect(&application.photoFiler(), &PhotoFiler::failed, this, &Demo::stopWith);
   connect(&_camera, &DemoCamera::failed, this, &Demo::stopWith);
   _clock.callEvery(kLookInterval, this, [this] {
-    if (!_over && !_photoOnItsWay && _application->isWatching()) takeNextPhoto();
+    if (!_over && !_photoOnItsWay && isWatched()) takeNextPhoto();
   });
   _clock.callAfter(kLimit, this, [this] { stopWith(QStringLiteral("The demo took too long.")); });
+}
+
+// A photo taken before the worker has said that it watches would not be fetched.
+bool Demo::isWatched() {
+  _cameraWatched = _cameraWatched && _application->isWatching();
+  return _cameraWatched;
 }
 
 void Demo::takeNextPhoto() {

@@ -34,6 +34,7 @@ class Demo : public QObject {
   void finished(int exitCode);
 
  private:
+  bool isWatched();
   void takeNextPhoto();
   void selectPersonFor(int photo);
   void judge(const QStringList& takenHashes);
@@ -47,6 +48,7 @@ class Demo : public QObject {
   std::function<bool(const QString&)> _saveScreenshot;
   int _taken = 0;
   bool _photoOnItsWay = false;
+  bool _cameraWatched = false;
   bool _over = false;
 };
 

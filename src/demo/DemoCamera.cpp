@@ -8,6 +8,7 @@
 namespace ambrel {
 namespace {
 
+constexpr int kStartMilliseconds = 10000;
 constexpr int kEndingMilliseconds = 2000;
 
 }  // namespace
@@ -20,9 +21,8 @@ DemoCamera::DemoCamera(const QString& program, Console console) : _program(progr
     _process.setArguments({QStringLiteral("--no-stdin")});
   }
   connect(&_process, &QProcess::readyReadStandardOutput, this, &DemoCamera::readOutput);
-  connect(&_process, &QProcess::errorOccurred, this,
-          [this] { Q_EMIT failed(QStringLiteral("The simulated camera: ") + _process.errorString()); });
-  connect(&_control, &QTcpSocket::connected, this, &DemoCamera::started);
+  connect(&_process, &QProcess::finished, this,
+          [this] { Q_EMIT failed(QStringLiteral("The simulated camera has ended.")); });
   connect(&_control, &QTcpSocket::readyRead, this, &DemoCamera::readAnswers);
 }
 
@@ -32,9 +32,19 @@ DemoCamera::~DemoCamera() {
   _process.waitForFinished(kEndingMilliseconds);
 }
 
-void DemoCamera::start() {
+Result<void> DemoCamera::startAndWait() {
   _process.setProgram(_program);
   _process.start();
+  while (_cameraPort.isEmpty()) {
+    if (!_process.waitForReadyRead(kStartMilliseconds)) {
+      return Failure{QStringLiteral("The simulated camera: ") + _process.errorString()};
+    }
+    readOutput();
+  }
+  if (!_control.waitForConnected(kStartMilliseconds)) {
+    return Failure{QStringLiteral("The simulated camera: ") + _control.errorString()};
+  }
+  return {};
 }
 
 void DemoCamera::command(const QByteArray& line, std::function<void(const QStringList&)> answered) {

@@ -9,6 +9,8 @@
 #include <deque>
 #include <functional>
 
+#include "core/base/Result.h"
+
 namespace ambrel {
 
 // The camera on loopback as a child process: started, told to take pictures, and asked what it took.
@@ -21,16 +23,15 @@ class DemoCamera : public QObject {
   DemoCamera(const QString& program, Console console);
   ~DemoCamera() override;
 
-  void start();
-  // For the environment variable that tells the worker where the camera is; empty until started() was
-  // emitted.
+  // Starts the camera and waits until a worker may connect to it. For use before the event loop runs.
+  Result<void> startAndWait();
+  // For the environment variable that tells the worker where the camera is.
   QString cameraPort() const { return _cameraPort; }
   // Sends one command; the answer comes later, line by line, without the line that ends it.
   void command(const QByteArray& line, std::function<void(const QStringList& answer)> answered = {});
 
  Q_SIGNALS:
-  void started();
-  // It could not be started, or ended on its own.
+  // It ended on its own.
   void failed(const QString& reason);
 
  private:

@@ -27,7 +27,7 @@ std::shared_ptr<const Bytes> Album::remember(std::size_t index, Bytes bytes) {
   auto shared = std::make_shared<const Bytes>(std::move(bytes));
   _cachedBytes += shared->size();
   _cache.push_front({index, shared});
-  while (_cachedBytes > kLargestCache && _cache.size() > 1) {
+  while (_cachedBytes > _largestCache && _cache.size() > 1) {
     _cachedBytes -= _cache.back().bytes->size();
     _cache.pop_back();
   }

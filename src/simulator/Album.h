@@ -28,7 +28,7 @@ struct TakenPhoto {
 // latest ones, so that a camera of ten thousand photos costs little memory.
 class Album {
  public:
-  static constexpr std::size_t kLargestCache = 128 << 20;
+  explicit Album(std::size_t largestCache = 128 << 20) : _largestCache(largestCache) {}
 
   // Returns the photo's place in photos().
   std::size_t add(const PhotoSpec& spec, std::string name, Place place, Bytes bytes);
@@ -47,6 +47,7 @@ class Album {
   std::vector<TakenPhoto> _photos;
   std::list<Cached> _cache;  // latest first
   std::size_t _cachedBytes = 0;
+  std::size_t _largestCache;
 };
 
 }  // namespace ambrel::simulator

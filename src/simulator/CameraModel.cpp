@@ -72,9 +72,10 @@ std::vector<CameraProperty> initialProperties() {
 
 }  // namespace
 
-CameraModel::CameraModel(Settings settings) : _settings(settings), _properties(initialProperties()) {
+CameraModel::CameraModel(Settings settings)
+    : _settings(settings), _properties(initialProperties()), _shots(settings.firstShot - 1) {
   addFolder(kImageFolder, 0, "DCIM");
-  folderFor(1);
+  folderFor(settings.firstShot);
 }
 
 std::string CameraModel::shoot(const ShotOrder& order) {

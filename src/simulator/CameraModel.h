@@ -33,6 +33,7 @@ class CameraModel {
     std::uint64_t seed = 1;
     int width = 1200;  // of a picture, in pixels
     int height = 800;
+    std::uint32_t firstShot = 1;  // its number, from which names and folders follow
   };
 
   explicit CameraModel(Settings settings);
@@ -106,7 +107,7 @@ class CameraModel {
   std::map<std::uint32_t, Entry> _cardObjects;
   std::map<std::uint32_t, Entry> _hostObjects;
   Bytes _events;
-  std::uint32_t _shots = 0;
+  std::uint32_t _shots;  // number of the latest one
   std::uint32_t _files = 0;
   std::uint64_t _cardUsed = 0;
   bool _card = true;

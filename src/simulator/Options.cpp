@@ -12,6 +12,8 @@ namespace {
 
 // Enough for the picture of a real camera, and not too much for the memory of a small machine.
 constexpr std::uint64_t kLongestSide = 8192;
+// Folder 999CANON is the last that can be named.
+constexpr std::uint64_t kLargestFirstShot = 8'000'000;
 
 std::optional<std::uint64_t> numberIn(std::string_view text, std::uint64_t largest) {
   std::uint64_t value = 0;
@@ -37,6 +39,12 @@ bool readSize(std::string_view text, CameraModel::Settings& camera) {
   return true;
 }
 
+bool readFirstShot(std::string_view text, CameraModel::Settings& camera) {
+  const auto number = numberIn(text, kLargestFirstShot);
+  camera.firstShot = static_cast<std::uint32_t>(number.value_or(0));
+  return camera.firstShot > 0;
+}
+
 bool readSeed(std::string_view text, std::uint64_t& seed) {
   const auto number = numberIn(text, UINT64_MAX);
   seed = number.value_or(0);
@@ -47,6 +55,7 @@ bool readValue(const std::string& name, std::string_view value, Options& options
   if (name == "--port") return readPort(value, options.port);
   if (name == "--control-port") return readPort(value, options.controlPort);
   if (name == "--jpeg-size") return readSize(value, options.camera);
+  if (name == "--first-shot") return readFirstShot(value, options.camera);
   if (name == "--seed") return readSeed(value, options.camera.seed);
   return false;
 }
@@ -78,6 +87,7 @@ std::string help_text() {
          "  --control-port P   a port that takes commands, one per line (default: any free one)\n"
          "  --jpeg-size WxH    pixels of a photo (default 1200x800)\n"
          "  --seed N           photos of one seed have the same bytes every time (default 1)\n"
+         "  --first-shot N     number of the first photo, from which its name and folder follow (default 1)\n"
          "  --no-stdin         take no commands from standard input, and do not end with it\n"
          "\n"
          "It prints \"READY ptpip=P control=C\" when a host may connect, for example with\n"

@@ -99,7 +99,7 @@ class Box {
   // What was written so far, without a size.
   const Bytes& content() const { return _body.bytes(); }
   // The whole box, its size in front.
-  Bytes take() const {
+  Bytes encode() const {
     return Box("").be32(static_cast<std::uint32_t>(_body.size() + 4)).raw(content()).content();
   }
 
@@ -119,8 +119,8 @@ std::optional<Bytes> makeRaw(const PhotoSpec& spec) {
   const Bytes preview = plainJpeg(spec);
   const Bytes camera = Box("uuid")
                            .raw(kCanonUuid)
-                           .raw(Box("CNCV").chars("CanonCR3_001/00.11.00/00.00.00").take())
-                           .raw(Box("CMT1").raw(encode_exif(factsOf(spec), {})).take())
+                           .raw(Box("CNCV").chars("CanonCR3_001/00.11.00/00.00.00").encode())
+                           .raw(Box("CMT1").raw(encode_exif(factsOf(spec), {})).encode())
                            .raw(Box("THMB")
                                     .be32(0)
                                     .be16(kThumbnailWidth)
@@ -128,8 +128,8 @@ std::optional<Bytes> makeRaw(const PhotoSpec& spec) {
                                     .be32(static_cast<std::uint32_t>(thumbnail.size()))
                                     .be32(0)
                                     .raw(thumbnail)
-                                    .take())
-                           .take();
+                                    .encode())
+                           .encode();
   const Bytes previewBox = Box("PRVW")
                                .be32(0)
                                .be16(1)
@@ -138,11 +138,11 @@ std::optional<Bytes> makeRaw(const PhotoSpec& spec) {
                                .be16(1)
                                .be32(static_cast<std::uint32_t>(preview.size()))
                                .raw(preview)
-                               .take();
+                               .encode();
   ByteWriter file;
-  file.raw(Box("ftyp").chars("crx ").be32(1).chars("crx isom").take());
-  file.raw(Box("moov").raw(camera).take());
-  file.raw(Box("uuid").raw(kPreviewUuid).be32(0).be32(1).raw(previewBox).take());
+  file.raw(Box("ftyp").chars("crx ").be32(1).chars("crx isom").encode());
+  file.raw(Box("moov").raw(camera).encode());
+  file.raw(Box("uuid").raw(kPreviewUuid).be32(0).be32(1).raw(previewBox).encode());
 
   const std::size_t smallest = file.size() + kBoxHeader;
   const std::size_t size = spec.size == 0 ? std::max(smallest, kDefaultRawBytes) : spec.size;

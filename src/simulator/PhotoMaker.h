@@ -11,7 +11,7 @@ namespace ambrel::simulator {
 
 enum class FileKind { jpeg, raw };
 
-// Which photo to make. Equal specifications give equal bytes.
+// Which photo to make. Equal orders give equal bytes.
 struct PhotoSpec {
   std::uint64_t seed = 0;
   std::uint32_t shot = 1;
@@ -25,7 +25,7 @@ struct PhotoSpec {
 inline constexpr std::size_t kDefaultRawBytes = 600'000;
 
 // When the shot was taken, for the photo and for what the camera says of it: the shots of a camera are one
-// second apart, whatever the clock says, so that a photo's bytes depend on nothing but its specification.
+// second apart, whatever the clock says, so that a photo's bytes depend on nothing but its order.
 struct ShotTime {
   std::string exif;           // "YYYY:MM:DD hh:mm:ss"
   std::string ptp;            // "YYYYMMDDThhmmss"

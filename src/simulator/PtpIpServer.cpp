@@ -58,11 +58,14 @@ int PtpIpServer::timeoutMs(Link::Clock::time_point now) const {
 void PtpIpServer::serve(Link::Clock::time_point now) {
   if (const std::optional<Cut> cut = _link.takeDueCut()) applyCut(*cut);
   if (_frozen) return;
-  // Old connections first: the end of one must free the seat before a new one asks for it.
+  // The end of an old connection must free the seat before a new one asks for it.
   for (const auto& connection : _connections) {
     read(*connection);
+  }
+  dropEnded();
+  for (const auto& connection : _connections) {
     process(*connection);
-    if (!_frozen) write(*connection, now);
+    write(*connection, now);
   }
   dropEnded();
   if (const std::optional<Cut> cut = _link.takeDueCut()) applyCut(*cut);
@@ -88,7 +91,6 @@ void PtpIpServer::read(Connection& connection) {
     const ssize_t count = ::recv(connection.socket.get(), block.data(), block.size(), 0);
     if (count > 0) {
       connection.in.append(ByteView(block).first(static_cast<std::size_t>(count)));
-      if (static_cast<std::size_t>(count) < block.size()) return;
     } else {
       if (count == 0 || !wouldBlock()) connection.ended = true;
       return;

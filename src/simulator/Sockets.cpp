@@ -42,7 +42,7 @@ Descriptor bind_loopback(std::uint16_t port) {
 }
 
 bool start_listening(const Descriptor& socket) {
-  constexpr int kBacklog = 16;
+  constexpr int kBacklog = 128;
   return ::listen(socket.get(), kBacklog) == 0;
 }
 

@@ -12,6 +12,7 @@
 #include <signal.h>
 #include <spawn.h>
 #include <stdexcept>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
@@ -76,7 +77,11 @@ void SimulatedCamera::start(const std::vector<std::string>& arguments) {
   // Close-on-exec: another child that inherited the writing end would keep the program alive.
   std::array<int, 2> toCamera{};
   std::array<int, 2> fromCamera{};
-  if (::pipe2(toCamera.data(), O_CLOEXEC) != 0 || ::pipe2(fromCamera.data(), O_CLOEXEC) != 0) fail("no pipe");
+  // A socket to write to: it can say that the program has ended without a signal to this process.
+  if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, toCamera.data()) != 0 ||
+      ::pipe2(fromCamera.data(), O_CLOEXEC) != 0) {
+    fail("no pipe");
+  }
   _input = toCamera[1];
   _output = fromCamera[0];
 
@@ -115,7 +120,7 @@ void SimulatedCamera::end() {
 
 void SimulatedCamera::send(const std::string& line) {
   const std::string whole = line + "\n";
-  if (::write(_input, whole.data(), whole.size()) != static_cast<ssize_t>(whole.size())) {
+  if (::send(_input, whole.data(), whole.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(whole.size())) {
     fail("cannot send \"" + line + "\"");
   }
 }

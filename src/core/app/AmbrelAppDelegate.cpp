@@ -88,6 +88,7 @@ void AmbrelAppDelegate::connectSubsystems() {
   connect(&_camera, &CameraConnection::connectStarted, this, [this] { _storage.clearLowStorageWarning(); });
   connect(&_camera, &CameraConnection::controlsStale, this, &AmbrelAppDelegate::updateControls);
   connect(&_camera, &CameraConnection::pillChanged, this, &AmbrelAppDelegate::updateControls);
+  connect(&_camera, &CameraConnection::watchingConfirmed, this, &AmbrelAppDelegate::watchingConfirmed);
   connect(&_camera, &CameraConnection::downloaded, &_filer, &PhotoFiler::handleDownloadedPath);
 
   connect(&_filer, &PhotoFiler::filed, this, &AmbrelAppDelegate::photoFiled);

@@ -82,6 +82,9 @@ class AmbrelAppDelegate : public QObject {
   void updatePathLabels();
   void updateControls();
 
+ Q_SIGNALS:
+  void watchingConfirmed();  // from now on every photo that is taken is fetched
+
  private:
   void connectSubsystems();
   void finishLaunching();

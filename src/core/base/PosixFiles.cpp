@@ -197,6 +197,10 @@ MoveResult moveOntoReservation(FileSystemCalls& calls, const QByteArray& from, c
   } else {
     Descriptor reservation(calls, to, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
     if (!reservation.isOpen()) return lastFailedMove();
+    if (const auto closed = reservation.close(); !closed) {
+      calls.unlink(to.constData());
+      return failedMove(closed.error());
+    }
   }
   if (calls.rename(from.constData(), to.constData()) == 0) return {MoveOutcome::Moved};
   const int error = errno;

@@ -12,6 +12,7 @@
 
 #include "core/base/Text.h"
 #include "core/capture/FileNames.h"
+#include "core/capture/NumberedFolder.h"
 
 namespace ambrel {
 namespace {
@@ -29,29 +30,6 @@ Failure writeFailure(const QString& description = {}) {
 QString standardisedPath(const QString& path) {
   const bool atHome = path == QLatin1String("~") || path.startsWith(QLatin1String("~/"));
   return QDir::cleanPath(atHome ? QDir::homePath() + path.mid(1) : path);
-}
-
-// A path with a NUL names nothing; the system would read the part before it.
-template <typename StatusCall>
-bool readStatus(StatusCall call, const QString& path, struct stat& status) {
-  return !path.contains(QChar::Null) && call(QFile::encodeName(path).constData(), &status) == 0;
-}
-
-bool exists(const QString& path) {
-  struct stat status = {};
-  return readStatus(::lstat, path, status);
-}
-
-// Bytes of a regular file; none where there is no such file or its size cannot be read.
-std::optional<std::uint64_t> fileSize(const QString& path) {
-  struct stat status = {};
-  if (!readStatus(::stat, path, status) || !S_ISREG(status.st_mode)) return std::nullopt;
-  return static_cast<std::uint64_t>(status.st_size);
-}
-
-// With all missing parents. Failures show in the move that follows.
-void createFolderOf(const QString& path) {
-  if (!path.contains(QChar::Null)) QDir().mkpath(path.left(path.lastIndexOf(QLatin1Char('/'))));
 }
 
 }  // namespace
@@ -124,8 +102,7 @@ Result<PhotoFiler::Filing::Photo> PhotoFiler::Filing::renameDownloadedFile() {
 }
 
 Result<void> PhotoFiler::Filing::checkDownload() {
-  struct stat status = {};
-  if (!readStatus(::stat, _source, status)) {
+  if (!fileExists(_source)) {
     return Failure{QStringLiteral("Source file disappeared before it could be written.")};
   }
   // Nothing but a regular file has a size that means anything.
@@ -175,21 +152,22 @@ Result<PhotoFiler::Filing::Photo> PhotoFiler::Filing::takeNextFreeNumber() {
 
   const QString sourceExtension = pathExtension(_source);
   const QString extension = sourceExtension.isEmpty() ? QStringLiteral("JPG") : sourceExtension;
-  const QString folder = _targetDir + QLatin1Char('/') + _folderName + QLatin1Char('/');
-  createFolderOf(folder + photoFileName(_folderName, number, extension));
+  const NumberedFolder folder(_targetDir, _folderName, extension);
+  folder.create();
 
-  for (int lost = 0; lost < kMaxNumbersLost; ++number) {
-    if (number == std::numeric_limits<qint64>::max()) break;
-    photo.path = folder + photoFileName(_folderName, number, extension);
-    if (exists(photo.path)) continue;
+  for (int lost = 0; lost < kMaxNumbersLost; ++lost) {
+    const std::optional<qint64> free = folder.firstFreeFrom(number);
+    if (!free) break;
+    number = *free;
     if (!_mainThread.ask([&] { _desk.advanceCounterPast(number); })) return Failure{};
+    photo.path = folder.pathOfNumber(number);
     const Files::MoveResult moved = moveOrCopy(photo.path);
     if (moved.outcome == MoveOutcome::Failed) return Failure{moved.message};
     if (moved.outcome == MoveOutcome::Moved) {
       if (const auto checked = checkResult(photo.path); !checked) return Failure{checked.error()};
       return photo;
     }
-    ++lost;  // another program took the number since the test
+    ++number;  // another program took it since the test
   }
   return writeFailure();
 }

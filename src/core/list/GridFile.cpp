@@ -10,61 +10,8 @@ namespace ambrel {
 
 namespace {
 
-constexpr std::string_view kStoreHeader = "File Name,Notes,Captured,Marker";
-constexpr std::string_view kExportHeader = "File Name,Notes";
 constexpr std::size_t kStoreCells = 4;
 constexpr std::size_t kReadAtOnce = 256 * 1024;
-
-std::string_view cellOrDefault(const Row& row, std::size_t cell, std::string_view missing = {}) {
-  return cell < row.size() ? std::string_view(row[cell]) : missing;
-}
-
-// Bytes under construction, with room made once per row.
-class Output {
- public:
-  explicit Output(std::size_t expected) : _bytes(static_cast<qsizetype>(expected), Qt::Uninitialized) {
-    _end = _bytes.data();
-  }
-
-  void makeRoom(std::size_t count) {
-    const qsizetype used = _end - _bytes.constData();
-    const qsizetype needed = used + static_cast<qsizetype>(count);
-    if (needed <= _bytes.size()) return;
-    _bytes.resize(std::max(needed, _bytes.size() * 2));
-    _end = _bytes.data() + used;
-  }
-  void put(char c) { *_end++ = c; }
-  void putCell(std::string_view cell) { _end = write_csv_cell(_end, cell); }
-  void putBytes(std::string_view bytes) { _end = std::copy(bytes.begin(), bytes.end(), _end); }
-
-  QByteArray take() {
-    _bytes.truncate(_end - _bytes.constData());
-    return std::move(_bytes);
-  }
-
- private:
-  QByteArray _bytes;
-  char* _end;
-};
-
-void writeRow(Output& out, const Row& row, GridColumns columns) {
-  const std::string_view name = cellOrDefault(row, 0);
-  const std::string_view note = cellOrDefault(row, 1);
-  const std::string_view captured = cellOrDefault(row, 2, "0");
-  const std::string_view marker = cellOrDefault(row, 3);
-  constexpr std::size_t kSeparators = 4;
-  out.makeRoom(kSeparators + csv_escaped_limit(name) + csv_escaped_limit(note) + csv_escaped_limit(captured) +
-               csv_escaped_limit(marker));
-  out.put('\n');
-  out.putCell(name);
-  out.put(',');
-  out.putCell(note);
-  if (columns == GridColumns::NamesAndNotes) return;
-  out.put(',');
-  out.putCell(captured);
-  out.put(',');
-  out.putCell(marker);
-}
 
 // Every line after the first. False when the file cannot be opened, or not be read to its end.
 bool forEachRowLine(const QString& path, const std::function<void(std::string_view line)>& visit) {
@@ -102,24 +49,13 @@ bool forEachRowLine(const QString& path, const std::function<void(std::string_vi
 
 }  // namespace
 
-QByteArray writeGrid(const std::vector<Row>& rows, GridColumns columns) {
-  constexpr std::size_t kUsualRow = 48;
-  const std::string_view header = columns == GridColumns::All ? kStoreHeader : kExportHeader;
-  Output out(header.size() + rows.size() * kUsualRow);
-  out.makeRoom(header.size());
-  out.putBytes(header);
-  for (const Row& row : rows)
-    writeRow(out, row, columns);
-  return out.take();
-}
-
 std::optional<std::vector<Row>> readGrid(const QString& path) {
   std::vector<Row> rows;
   const bool whole = forEachRowLine(path, [&rows](std::string_view line) {
     Row row = parse_csv_line(line);
     if (row.front().empty()) return;
     row.resize(kStoreCells);
-    if (row[2].empty()) row[2] = "0";
+    if (row[2].empty()) row[2].push_back('0');
     rows.push_back(std::move(row));
   });
   return whole ? std::optional(std::move(rows)) : std::nullopt;

@@ -21,9 +21,9 @@ bool ListStore::exists() const {
   return QFile::exists(gridStorePath());
 }
 
-bool ListStore::save(const std::vector<Row>& rows) {
-  const Result<void> written =
-      _files.replaceWholeUnflushed(gridStorePath(), writeGrid(rows, GridColumns::All));
+bool ListStore::save(NameGrid& grid) {
+  _text.update(grid.rows(), grid.takeChanges());
+  const Result<void> written = _files.replaceWholeUnflushed(gridStorePath(), _text.bytes());
   if (written) _flusher.request();
   return written.ok();
 }

@@ -8,6 +8,7 @@
 #include "core/base/Files.h"
 #include "core/base/Locations.h"
 #include "core/base/WriteBehind.h"
+#include "core/list/GridText.h"
 #include "core/list/NameGrid.h"
 
 namespace ambrel {
@@ -21,7 +22,8 @@ class ListStore {
   // The folder is created whenever the path is asked for.
   QString gridStorePath() const;
   bool exists() const;
-  bool save(const std::vector<Row>& rows);
+  // Writes the list as it stands; always the same grid.
+  bool save(NameGrid& grid);
   // None when there is no store file; an unreadable one gives no rows.
   std::optional<std::vector<Row>> load() const;
   void remove();
@@ -31,6 +33,7 @@ class ListStore {
  private:
   Files& _files;
   const Locations _locations;
+  StoreText _text;
   WriteBehind _flusher;
 };
 

@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "core/base/Text.h"
-#include "core/list/GridFile.h"
+#include "core/list/GridText.h"
 
 namespace ambrel {
 

@@ -4,6 +4,7 @@
 #include <QSet>
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 #include "core/base/Text.h"
 
@@ -12,6 +13,9 @@ namespace ambrel {
 namespace {
 
 const std::string kMissing;
+
+// More changed rows than this are not worth telling apart.
+constexpr std::size_t kMostChangesTold = 16;
 
 }  // namespace
 
@@ -32,6 +36,8 @@ void NameGrid::setBytes(std::int64_t modelRow, Cell cell, std::string value) {
   const auto index = static_cast<std::size_t>(cell);
   if (row.size() <= index) row.resize(index + 1);
   row[index] = std::move(value);
+  if (_changes.rows.size() == kMostChangesTold) _changes = {true};
+  if (!_changes.everything) _changes.rows.push_back(modelRow);
   if (cell == Cell::Name) ++_namesRevision;
 }
 
@@ -68,10 +74,12 @@ std::set<QString> NameGrid::duplicateNameSet() const {
 
 void NameGrid::append(Row row) {
   _rows.push_back(std::move(row));
+  _changes = {true};
   ++_namesRevision;
 }
 
 void NameGrid::insert(std::int64_t position, Row row) {
+  _changes = {true};
   _rows.insert(_rows.begin() + std::clamp<std::int64_t>(position, 0, rowCount()), std::move(row));
   ++_namesRevision;
 }
@@ -79,12 +87,18 @@ void NameGrid::insert(std::int64_t position, Row row) {
 void NameGrid::remove(std::int64_t modelRow) {
   if (!contains(modelRow)) return;
   _rows.erase(_rows.begin() + modelRow);
+  _changes = {true};
   ++_namesRevision;
 }
 
 void NameGrid::replaceAll(std::vector<Row> rows) {
   _rows = std::move(rows);
+  _changes = {true};
   ++_namesRevision;
+}
+
+GridChanges NameGrid::takeChanges() {
+  return std::exchange(_changes, {});
 }
 
 }  // namespace ambrel

@@ -15,6 +15,13 @@ using Row = std::vector<std::string>;
 
 enum class Cell : std::size_t { Name = 0, Note = 1, Captured = 2, Marker = 3 };
 
+// What became different in the grid since it was last asked.
+struct GridChanges {
+  bool everything = false;  // rows came, went or moved, or many changed; `rows` says nothing then
+  std::vector<std::int64_t> rows = {};
+  bool operator==(const GridChanges&) const = default;
+};
+
 // The list of people in list order. Rows are addressed by model row; a row out of range reads as the default
 // and is never written. Main thread only.
 class NameGrid {
@@ -47,8 +54,12 @@ class NameGrid {
   void replaceAll(std::vector<Row> rows);
   void clear() { replaceAll({}); }
 
+  // For the one who mirrors the grid elsewhere: what to bring up to date.
+  GridChanges takeChanges();
+
  private:
   std::vector<Row> _rows;
+  GridChanges _changes = {true};
   std::uint64_t _namesRevision = 0;
 };
 

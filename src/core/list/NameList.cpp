@@ -65,8 +65,7 @@ void NameList::setSearchText(const QString& text) {
 
 void NameList::clearSearch() {
   emptySearchField();
-  applySearchFilter();
-  selectModelRowIfVisible(_selectedRow, true);
+  selectAndShow(_selectedRow);
 }
 
 void NameList::emptySearchField() {
@@ -78,16 +77,14 @@ void NameList::cycleCaptureFilter() {
   _rule.captureFilter = nextCaptureFilter(_rule.captureFilter);
   Q_EMIT captureFilterChanged();
   _statusLine.setStatus(captureFilterStatus(_rule.captureFilter), StatusKind::Neutral);
-  applySearchFilter();
-  selectModelRowIfVisible(_selectedRow, true);
+  selectAndShow(_selectedRow);
 }
 
 void NameList::cycleSortMode() {
   _rule.sortMode = nextSortMode(_rule.sortMode);
   Q_EMIT nameColumnTitleChanged(nameColumnBaseTitle(_rule.sortMode));
   _statusLine.setStatus(sortModeStatus(_rule.sortMode), StatusKind::Neutral);
-  applySearchFilter();
-  selectModelRowIfVisible(_selectedRow, true);
+  selectAndShow(_selectedRow);
 }
 
 void NameList::applySearchFilter() {
@@ -109,10 +106,48 @@ void NameList::selectSavedOrFirstCSVRow() {
     return;
   }
   const qint64 saved = _preferences.lastSelectedRowIndex().value_or(0);
-  _selectedRow = _grid.contains(saved) ? saved : 0;
+  selectAndShow(_grid.contains(saved) ? saved : 0);
+  Q_EMIT persistentPathsStale();
+}
+
+void NameList::selectAndShow(qint64 modelRow) {
+  setSelectedRow(modelRow);
   applySearchFilter();
   selectModelRowIfVisible(_selectedRow, true);
+}
+
+void NameList::saveGridAndPaths() {
+  saveGridToDisk();
   Q_EMIT persistentPathsStale();
+}
+
+void NameList::afterRowMutationSelect(qint64 modelRow) {
+  Q_EMIT autoWatchStale();
+  emptySearchField();
+  setSelectedRow(std::min<qint64>(modelRow, _grid.rowCount() - 1));
+  saveGridAndPaths();
+  selectAndShow(_selectedRow);
+  Q_EMIT pathLabelsStale();
+  Q_EMIT controlsStale();
+}
+
+void NameList::dropSelection() {
+  _selectedRow = -1;
+  _tableSelection.clear();
+  _tableSelectedLast = -1;
+}
+
+void NameList::reset() {
+  _csvPath.clear();
+  _grid.clear();
+  _order.clear();
+  dropSelection();
+  _store.remove();
+  _rule.captureFilter = CaptureFilter::All;
+  Q_EMIT captureFilterChanged();
+  Q_EMIT reloaded();
+  Q_EMIT tableSelectionChanged(false);
+  emptySearchField();
 }
 
 void NameList::setObjectValue(const QString& value, Cell cell, qint64 modelRow) {
@@ -159,7 +194,7 @@ bool NameList::showSelectionTotalsIfMultiple() {
 }
 
 bool NameList::saveGridToDisk() {
-  return _store.save(_grid.rows());
+  return _store.save(_grid);
 }
 
 bool NameList::loadGridFromDisk() {
@@ -173,9 +208,7 @@ qint64 NameList::importFirstColumnFromCSV(const QString& path) {
   _grid.clear();
   _order.clear();
   emptySearchField();
-  _selectedRow = -1;
-  _tableSelection.clear();
-  _tableSelectedLast = -1;
+  dropSelection();
   _grid.replaceAll(readFirstColumn(path).value_or(std::vector<Row>()));
   Q_EMIT reloaded();
   selectSavedOrFirstCSVRow();
@@ -189,8 +222,7 @@ qint64 NameList::importFirstColumnFromCSV(const QString& path) {
 qint64 NameList::replaceListFromCSV(const QString& path) {
   _csvPath = path;
   const qint64 count = importFirstColumnFromCSV(path);
-  saveGridToDisk();
-  Q_EMIT persistentPathsStale();
+  saveGridAndPaths();
   return count;
 }
 

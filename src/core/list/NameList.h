@@ -35,7 +35,9 @@ class NameList : public QObject {
   void setSelectedRow(qint64 modelRow);  // a row outside the list is none
   // Display rows selected in the table, in ascending order.
   const std::vector<qint64>& tableSelection() const { return _tableSelection; }
-  // The model row of the table's selected row, else the current person, else -1.
+  // The model row of the table's selected row, of several the one selected last; -1 for none.
+  qint64 tableSelectedRow() const;
+  // The same, else the current person, else -1.
   qint64 captureRow() const;
 
   QString searchText() const { return _rule.searchText; }
@@ -58,12 +60,20 @@ class NameList : public QObject {
   // The filter button and a click on the name column's header: each goes on to the next of three.
   void cycleCaptureFilter();
   void cycleSortMode();
-  // All names in sight again, without a word; the sort mode stays.
-  void resetCaptureFilter() { _rule.captureFilter = CaptureFilter::All; }
 
   void applySearchFilter();
   void selectModelRowIfVisible(qint64 modelRow, bool scroll);
   void selectSavedOrFirstCSVRow();
+
+  // Steps that the edits of whole rows share.
+  void emptySearchField();  // without filtering anew
+  // Makes a row the current one, filters, and scrolls to it.
+  void selectAndShow(qint64 modelRow);
+  void saveGridAndPaths();
+  // The end of an edit that inserted or removed rows; a row beyond the last is the last.
+  void afterRowMutationSelect(qint64 modelRow);
+  // No list, no store, no search, all names in sight; the sort mode stays.
+  void reset();
 
   // Stores a cell as it was typed and saves the list. A name of blanks only is refused. After a new name the
   // order follows once control returns to the event loop, when the table's editor has closed.
@@ -102,8 +112,7 @@ class NameList : public QObject {
   void nameColumnTitleChanged(const QString& title);  // by a header click: without the number of names
 
  private:
-  void emptySearchField();
-  qint64 tableSelectedRow() const;
+  void dropSelection();
 
   ListStore& _store;
   Preferences& _preferences;

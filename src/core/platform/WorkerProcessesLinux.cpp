@@ -45,6 +45,7 @@ bool isThisUsers(const QByteArray& processFolder) {
 std::vector<qint64> processesRunning(const QString& fileName) {
   const QByteArray wanted = QFile::encodeName(fileName);
   std::vector<qint64> found;
+  if (wanted.isEmpty()) return found;  // the name of whatever cannot be read
   for (const QString& entry : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
     bool isNumber = false;
     const qint64 id = entry.toLongLong(&isNumber);

@@ -94,6 +94,7 @@ class CameraConnection : public QObject {
 
  Q_SIGNALS:
   void downloaded(const QString& path);
+  void watchingConfirmed();  // from now on the worker fetches every photo that is taken
   void connectStarted();  // warnings that show once per connection are due again
   void controlsStale();
   void pillChanged();

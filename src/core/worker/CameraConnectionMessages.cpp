@@ -37,7 +37,9 @@ void CameraConnection::handleWorkerLine(const QString& line) {
     case Message::Kind::Disconnected:
       return cameraIsDisconnected();
     case Message::Kind::PumpActiveReady:
-      return setWatching(true);
+      setWatching(true);
+      Q_EMIT watchingConfirmed();
+      return;
     case Message::Kind::PumpIdleReady:
       return setWatching(false);
     case Message::Kind::WarnCardMissing:

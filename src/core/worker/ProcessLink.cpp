@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <csignal>
 
-#include "core/worker/WorkerProcess.h"
+#include "core/worker/RunningWorker.h"
 
 namespace ambrel {
 namespace {
@@ -40,16 +40,16 @@ ProcessLink::~ProcessLink() {
 
 Result<void> ProcessLink::start(const WorkerLaunch& launch) {
   drop();
-  auto worker = std::make_unique<WorkerProcess>();
-  if (const Result<void> started = worker->start(launch); !started) return started;
-  WorkerProcess* const started = worker.get();
-  connect(started, &WorkerProcess::lineArrived, this, &WorkerLink::blockArrived);
-  connect(started, &WorkerProcess::ended, this, [this, started] {
+  auto worker = std::make_unique<RunningWorker>();
+  if (Result<void> started = worker->start(launch); !started) return started;
+  RunningWorker* const started = worker.get();
+  connect(started, &RunningWorker::lineArrived, this, &WorkerLink::blockArrived);
+  connect(started, &RunningWorker::ended, this, [this, started] {
     const bool wasCurrent = started == _current;
     forget(started);
     Q_EMIT exited(wasCurrent);
   });
-  connect(started, &WorkerProcess::launchFailed, this, [this, started](const QString& reason) {
+  connect(started, &RunningWorker::launchFailed, this, [this, started](const QString& reason) {
     const bool wasCurrent = started == _current;
     forget(started);
     if (wasCurrent) {
@@ -91,7 +91,7 @@ void ProcessLink::kill(qint64 processId) {
 }
 
 // From within a signal of the worker, which must outlive it.
-void ProcessLink::forget(WorkerProcess* worker) {
+void ProcessLink::forget(RunningWorker* worker) {
   const auto found = std::find_if(_workers.begin(), _workers.end(),
                                   [worker](const auto& owned) { return owned.get() == worker; });
   found->release()->deleteLater();

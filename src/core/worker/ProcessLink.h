@@ -9,7 +9,7 @@
 
 namespace ambrel {
 
-class WorkerProcess;
+class RunningWorker;
 
 // The link to a real worker process. Lines longer than the protocol allows are discarded to their end, and
 // reading never keeps the event loop for long, however much the worker writes.
@@ -33,10 +33,10 @@ class ProcessLink : public WorkerLink {
   void kill(qint64 processId) override;
 
  private:
-  void forget(WorkerProcess* worker);
+  void forget(RunningWorker* worker);
 
-  std::vector<std::unique_ptr<WorkerProcess>> _workers;  // the current one, and those whose end is awaited
-  WorkerProcess* _current = nullptr;
+  std::vector<std::unique_ptr<RunningWorker>> _workers;  // the current one, and those whose end is awaited
+  RunningWorker* _current = nullptr;
 };
 
 }  // namespace ambrel

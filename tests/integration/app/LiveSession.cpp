@@ -18,6 +18,7 @@ LiveSession::LiveSession() : locations(Locations::below(folder.filePath("home"))
   QObject::connect(&link, &WorkerLink::blockArrived, app.get(), [this](const QByteArray& block) {
     if (block.startsWith("DOWNLOADED|")) reported.append(QString::fromUtf8(block.mid(11)).trimmed());
   });
+  QObject::connect(app.get(), &AmbrelAppDelegate::watchingConfirmed, app.get(), [this] { watched = true; });
   QObject::connect(&app->photoFiler(), &PhotoFiler::filed, app.get(),
                    [this](const QString& path, qint64 row) {
                      filed.push_back({path, row});
@@ -41,7 +42,7 @@ void LiveSession::shootWith(const QStringList& names) {
   operatorSeam.willChoose(target());
   app->selectFolder();
   app->connectCameraManual();
-  ASSERT_TRUE(waitUntil([this] { return app->isWatching(); }));
+  ASSERT_TRUE(waitUntil([this] { return watched; }));
 }
 
 void LiveSession::select(qint64 row) {
@@ -68,9 +69,9 @@ bool LiveSession::waitUntil(const std::function<bool()>& done, std::chrono::seco
 
 QStringList LiveSession::filesBelowTarget() const {
   QStringList found;
-  QDirIterator files(target(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-  while (files.hasNext())
-    found.append(files.next());
+  QDirIterator walk(target(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+  while (walk.hasNext())
+    found.append(walk.next());
   found.sort();
   return found;
 }

@@ -48,6 +48,7 @@ class LiveSession {
   RecordingScreen screen;
   std::unique_ptr<AmbrelAppDelegate> app;
   std::vector<Filed> filed;
+  bool watched = false;  // the worker has said that it watches; a test that cuts the link clears it
   QStringList reported;  // every path that the worker said it had downloaded
 };
 

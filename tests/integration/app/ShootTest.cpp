@@ -31,11 +31,12 @@ TEST(Shoot, FilesTwentyPhotosOverThreeNamesWithTheCablePulledInATransfer) {
       session.shoot("size=300000");
       continue;
     }
+    session.watched = false;
     session.camera.command("cable in=0 after=150000");
     session.camera.command("shoot size=300000");
     ASSERT_TRUE(session.waitUntil([&] { return !session.app->isWatching(); }));
     session.camera.command("cable in=1");
-    ASSERT_TRUE(session.waitUntil([&] { return session.app->isWatching(); }));
+    ASSERT_TRUE(session.waitUntil([&] { return session.watched; }));
   }
 
   std::map<std::string, int> contents = contentsBelowTarget(session);
@@ -57,6 +58,51 @@ TEST(Shoot, FilesTwentyPhotosOverThreeNamesWithTheCablePulledInATransfer) {
   for (qint64 row = 0; row < 3; ++row)
     counted += session.app->list().grid().capturedForModelRow(row);
   EXPECT_EQ(counted, session.reported.size());
+}
+
+// Everything that an operator and bad luck do to a session, and then every photo is accounted for: filed once
+// with its bytes, or still on the card.
+TEST(Shoot, AccountsForEveryPhotoThroughTagsCutsSaveModesReconnectsAndKills) {
+  LiveSession session;
+  session.app->tags().loadSuffixes();
+  session.shootWith({"Anna", "Ben", "Cara"});
+  session.operatorSeam.willAnswer(Answer{0, {"FR", "_FR", "", "", "", "", "", "", "", ""}});
+  session.app->tags().manageSuffixes();
+  session.shoot("n=3", 3);
+
+  session.select(1);
+  session.app->tags().suffixToggled(0, true);
+  session.shoot("kind=pair", 2);
+
+  session.watched = false;
+  session.camera.command("cable in=0 after=100000 how=reset");
+  session.camera.command("shoot size=400000");
+  ASSERT_TRUE(session.waitUntil([&] { return !session.app->isWatching(); }));
+  session.camera.command("cable in=1");
+  ASSERT_TRUE(session.waitUntil([&] { return session.watched; }));
+  session.shoot();
+
+  session.watched = false;
+  session.app->selectDestination(1);
+  session.app->forceCameraReconnect();
+  ASSERT_TRUE(session.waitUntil([&] { return session.watched; }));
+  session.select(2);
+  session.shoot("n=2", 2);
+
+  session.watched = false;
+  ::kill(static_cast<pid_t>(session.link.processId()), SIGKILL);
+  ASSERT_TRUE(session.waitUntil([&] { return session.watched; }));
+  session.shoot();
+
+  std::map<std::string, int> contents = contentsBelowTarget(session);
+  for (const SimulatedPhoto& photo : session.camera.photos()) {
+    const int copies = contents[photo.sha256];
+    const bool onCard = photo.place == "card" && !photo.deleted;
+    EXPECT_TRUE(copies == 1 || (copies == 0 && onCard)) << photo.name << " filed " << copies << " times";
+  }
+  EXPECT_GE(session.filed.size(), 9u);
+  EXPECT_EQ(session.filesBelowTarget().size(), session.reported.size());
+  EXPECT_TRUE(QDir(session.target() + "/Ben_FR").exists());
 }
 
 TEST(Shoot, NumbersTheFilesOfAPairAndKeepsTheirBytes) {
@@ -89,9 +135,10 @@ TEST(Shoot, ComesBackAfterTheWorkerWasKilled) {
   session.shootWith({"Anna"});
   session.shoot();
   ASSERT_GT(session.link.processId(), 0);
+  session.watched = false;
   ::kill(static_cast<pid_t>(session.link.processId()), SIGKILL);
   ASSERT_TRUE(session.waitUntil([&] { return !session.app->isWatching(); }));
-  ASSERT_TRUE(session.waitUntil([&] { return session.app->isWatching(); }));
+  ASSERT_TRUE(session.waitUntil([&] { return session.watched; }));
   session.shoot();
   EXPECT_EQ(session.filesBelowTarget().size(), 2);
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,17 @@ TEST(SimulatedCamera, AnswersWhatItCannotDoWithAnError) {
   EXPECT_EQ(camera.answer("shoot kind=film"), "error bad or missing value kind");
   EXPECT_THROW(camera.command("dance"), std::runtime_error);
   EXPECT_EQ(camera.photos().size(), 0U);
+}
+
+TEST(SimulatedCamera, EndsByOrderAndTheTestLearnsOfIt) {
+  SimulatedCamera camera;
+  EXPECT_EQ(camera.command("quit"), "ok");
+  EXPECT_THROW(
+      {
+        camera.command("status");
+        camera.command("status");
+      },
+      std::runtime_error);
 }
 
 TEST(SimulatedCamera, TakesEachItsOwnPorts) {

@@ -16,11 +16,14 @@ TEST(DemoCamera, ReadsTheHashesOutOfAnAnswer) {
 
 TEST(DemoCamera, SaysThatItsProgramIsMissing) {
   DemoCamera camera("/no such program", DemoCamera::Console::None);
-  QString reason;
-  QObject::connect(&camera, &DemoCamera::failed, &camera, [&](const QString& why) { reason = why; });
-  camera.start();
-  while (reason.isEmpty()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-  EXPECT_TRUE(reason.startsWith("The simulated camera: ")) << reason.toStdString();
+  const Result<void> started = camera.startAndWait();
+  EXPECT_FALSE(started);
+  EXPECT_TRUE(started.error().startsWith("The simulated camera: ")) << started.error().toStdString();
+}
+
+TEST(DemoCamera, SaysThatItsProgramIsNoCamera) {
+  DemoCamera camera("/bin/true", DemoCamera::Console::None);
+  EXPECT_FALSE(camera.startAndWait());
 }
 
 }  // namespace

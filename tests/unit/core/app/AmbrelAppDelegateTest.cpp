@@ -221,6 +221,7 @@ TEST(SavedPaths, NeverStoreACounterBelowOne) {
   session.app->counterTextDidChange("12");
   session.app->counterTextDidChange("0");
   session.app->counterTextDidChange("");
+  session.app.reset();
   EXPECT_EQ(Preferences(session.locations.preferencesFile).lastCounterValue(), 12);
 }
 

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "core/list/GridFile.h"
+#include "core/list/GridText.h"
 
 namespace ambrel {
 namespace {
@@ -23,33 +24,6 @@ class GridFileTest : public ::testing::Test {
   }
   QTemporaryDir _dir;
 };
-
-TEST_F(GridFileTest, WritesTheStoreWithFourColumnsAndNoLastLineEnd) {
-  EXPECT_EQ(writeGrid({{"a,b", ""}}, GridColumns::All), "File Name,Notes,Captured,Marker\n\"a,b\",,0,");
-}
-
-TEST_F(GridFileTest, WritesTheExportWithNamesAndNotesOnly) {
-  EXPECT_EQ(writeGrid({{"Anna", "left, early", "4", "1"}, {"Ben"}, {}}, GridColumns::NamesAndNotes),
-            "File Name,Notes\nAnna,\"left, early\"\nBen,\n,");
-}
-
-TEST_F(GridFileTest, WritesTheDefaultsOfMissingCells) {
-  EXPECT_EQ(writeGrid({{}, {"a"}, {"b", "n"}, {"c", "n", ""}, {"d", "n", "2"}, {"e", "n", "2", "1"}},
-                      GridColumns::All),
-            "File Name,Notes,Captured,Marker\n,,0,\na,,0,\nb,n,0,\nc,n,,\nd,n,2,\ne,n,2,1");
-}
-
-TEST_F(GridFileTest, WritesAnEmptyListAsItsHeaderAlone) {
-  EXPECT_EQ(writeGrid({}, GridColumns::All), "File Name,Notes,Captured,Marker");
-  EXPECT_EQ(writeGrid({}, GridColumns::NamesAndNotes), "File Name,Notes");
-}
-
-TEST_F(GridFileTest, WritesRowsFarLargerThanUsual) {
-  const std::string large(1'000'000, '"');
-  const QByteArray written = writeGrid({{large, large}, {"b"}}, GridColumns::NamesAndNotes);
-  EXPECT_EQ(written.size(), 15 + 1 + 2 * 2'000'002 + 1 + 3);
-  EXPECT_TRUE(written.endsWith("\"\nb,"));
-}
 
 TEST_F(GridFileTest, ReadsRowsOfExactlyFourCells) {
   EXPECT_EQ(

@@ -71,6 +71,11 @@ class ListFixture : public ::testing::Test {
     list.applySearchFilter();
     steps.clear();
   }
+  void storeHolds(std::vector<Row> rows) {
+    NameGrid grid;
+    grid.replaceAll(std::move(rows));
+    ASSERT_TRUE(store.save(grid));
+  }
   QString writeFile(const QString& name, const QByteArray& bytes) const {
     QFile file(path(name));
     EXPECT_TRUE(file.open(QIODevice::WriteOnly));
@@ -83,6 +88,7 @@ class ListFixture : public ::testing::Test {
   }
   QByteArray storedList() const { return contentOf(store.gridStorePath()); }
   QString path(const QString& name) const { return home.filePath(name); }
+  bool statusWasSet() const { return !steps.filter(QStringLiteral("status: ")).isEmpty(); }
   QStringList shownNames() const {
     QStringList names;
     for (const qint64 row : list.filteredRows())

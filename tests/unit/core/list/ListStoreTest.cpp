@@ -7,8 +7,16 @@
 namespace ambrel {
 namespace {
 
-using ListStoreTest = ListFixture;
 using Rows = std::vector<Row>;
+
+class ListStoreTest : public ListFixture {
+ protected:
+  bool save(Rows rows) {
+    grid.replaceAll(std::move(rows));
+    return store.save(grid);
+  }
+  NameGrid grid;
+};
 
 TEST_F(ListStoreTest, LiesInTheFolderOfTheApplication) {
   EXPECT_EQ(store.gridStorePath(),
@@ -24,7 +32,7 @@ TEST_F(ListStoreTest, CreatesItsFolderWheneverItsPathIsAskedFor) {
 
 TEST_F(ListStoreTest, GivesBackTheListThatWasSaved) {
   const Rows rows = {{"Anna", "front, \"left\"", "3", "1"}, {"Łukasz/2", "", "0", ""}};
-  EXPECT_TRUE(store.save(rows));
+  EXPECT_TRUE(save(rows));
   EXPECT_TRUE(store.exists());
   EXPECT_EQ(store.load(), rows);
 }
@@ -40,7 +48,7 @@ TEST_F(ListStoreTest, GivesNoRowsForAFileThatCannotBeRead) {
 }
 
 TEST_F(ListStoreTest, SavesOnTheCallingThreadAndFlushesBehind) {
-  store.save({{"Anna"}});
+  save({{"Anna"}});
   store.finishFlush();
   EXPECT_EQ(files.replacements, 1);
   EXPECT_EQ(files.replacingThread.load(), std::this_thread::get_id());
@@ -50,7 +58,7 @@ TEST_F(ListStoreTest, SavesOnTheCallingThreadAndFlushesBehind) {
 
 TEST_F(ListStoreTest, FlushesTheLastOfManySaves) {
   for (int i = 0; i < 50; ++i)
-    store.save({{std::to_string(i)}});
+    save({{std::to_string(i)}});
   store.finishFlush();
   EXPECT_EQ(files.replacements, 50);
   EXPECT_GE(files.flushes, 1);
@@ -59,10 +67,10 @@ TEST_F(ListStoreTest, FlushesTheLastOfManySaves) {
 }
 
 TEST_F(ListStoreTest, KeepsTheListOfBeforeWhenItCannotBeWritten) {
-  store.save({{"Anna", "", "0", ""}});
+  save({{"Anna", "", "0", ""}});
   store.finishFlush();
   files.fail = true;
-  EXPECT_FALSE(store.save({{"Ben"}}));
+  EXPECT_FALSE(save({{"Ben"}}));
   store.finishFlush();
   EXPECT_EQ(files.flushes, 1);
   EXPECT_EQ(store.load(), (Rows{{"Anna", "", "0", ""}}));
@@ -71,21 +79,22 @@ TEST_F(ListStoreTest, KeepsTheListOfBeforeWhenItCannotBeWritten) {
 TEST_F(ListStoreTest, FlushesBeforeItEnds) {
   {
     ListStore brief(files, locations);
-    brief.save({{"Anna"}});
+    grid.append({"Anna"});
+    brief.save(grid);
   }
   EXPECT_EQ(files.flushes, 1);
 }
 
 TEST_F(ListStoreTest, LeavesNothingBesideTheStore) {
-  store.save({{"Anna"}});
-  store.save({{"Ben"}});
+  save({{"Anna"}});
+  save({{"Ben"}});
   EXPECT_EQ(QDir(locations.applicationSupport + QStringLiteral("/Ambrel Tether"))
                 .entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
             QStringList(QStringLiteral("ambrel_grid.csv")));
 }
 
 TEST_F(ListStoreTest, RemovesTheFileAndMindsNoneBeingThere) {
-  store.save({{"Anna"}});
+  save({{"Anna"}});
   store.remove();
   EXPECT_FALSE(store.exists());
   store.remove();

@@ -127,6 +127,33 @@ TEST(NameGrid, RemovesOneRow) {
   EXPECT_EQ(grid.rows(), (std::vector<Row>{{"a"}, {"c"}}));
 }
 
+TEST(NameGrid, TellsOnceWhichRowsChanged) {
+  NameGrid grid = gridOf({{"a"}, {"b"}, {"c"}});
+  EXPECT_EQ(grid.takeChanges(), GridChanges{true});
+  EXPECT_EQ(grid.takeChanges(), GridChanges{});
+  grid.setCaptured(1, 2);
+  grid.setMarker(true, 0);
+  EXPECT_EQ(grid.takeChanges(), (GridChanges{false, {2, 0}}));
+  EXPECT_EQ(grid.takeChanges(), GridChanges{});
+}
+
+TEST(NameGrid, TellsThatEverythingChangedWhenRowsComeOrGoOrManyChange) {
+  NameGrid grid = gridOf({{"a"}, {"b"}});
+  (void)grid.takeChanges();
+  grid.append({"c"});
+  EXPECT_EQ(grid.takeChanges(), GridChanges{true});
+  grid.insert(0, {"d"});
+  EXPECT_EQ(grid.takeChanges(), GridChanges{true});
+  grid.remove(0);
+  grid.setCaptured(1, 0);
+  EXPECT_EQ(grid.takeChanges(), GridChanges{true});
+  for (int i = 0; i < 1000; ++i)
+    grid.setCaptured(i, i % 2);
+  EXPECT_EQ(grid.takeChanges(), GridChanges{true});
+  grid.clear();
+  EXPECT_EQ(grid.takeChanges(), GridChanges{true});
+}
+
 TEST(NameGrid, GivesAnotherNamesRevisionAfterEveryChangeOfNamesAndOnlyThen) {
   NameGrid grid;
   std::uint64_t last = grid.namesRevision();

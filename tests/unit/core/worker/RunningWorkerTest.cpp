@@ -3,20 +3,20 @@
 #include <QDir>
 #include <gtest/gtest.h>
 
-#include "core/worker/WorkerProcess.h"
+#include "core/worker/RunningWorker.h"
 #include "support/EventLoop.h"
 
 namespace ambrel {
 namespace {
 
-class WorkerProcessTest : public ::testing::Test {
+class RunningWorkerTest : public ::testing::Test {
  protected:
-  WorkerProcessTest() {
-    QObject::connect(&process, &WorkerProcess::lineArrived, [this](const QByteArray& line) {
+  RunningWorkerTest() {
+    QObject::connect(&process, &RunningWorker::lineArrived, [this](const QByteArray& line) {
       ++lines;
       last = line;
     });
-    QObject::connect(&process, &WorkerProcess::ended, [this] { ++ends; });
+    QObject::connect(&process, &RunningWorker::ended, [this] { ++ends; });
   }
   void start(const QStringList& behaviours) {
     ASSERT_TRUE(process
@@ -25,13 +25,13 @@ class WorkerProcessTest : public ::testing::Test {
                     .ok());
   }
 
-  WorkerProcess process;
+  RunningWorker process;
   int lines = 0;
   int ends = 0;
   QByteArray last;
 };
 
-TEST_F(WorkerProcessTest, RunsFromItsStartToItsEnd) {
+TEST_F(RunningWorkerTest, RunsFromItsStartToItsEnd) {
   EXPECT_FALSE(process.isRunning());
   start({"say", "a"});
   EXPECT_TRUE(process.isRunning());
@@ -41,7 +41,7 @@ TEST_F(WorkerProcessTest, RunsFromItsStartToItsEnd) {
   EXPECT_EQ(ends, 1);
 }
 
-TEST_F(WorkerProcessTest, ReadsWhatIsLeftInThePipeAfterTheEnd) {
+TEST_F(RunningWorkerTest, ReadsWhatIsLeftInThePipeAfterTheEnd) {
   start({"repeat", "4000", "line "});
   ASSERT_TRUE(process.waitForEnd(std::chrono::seconds(20)));  // reads nothing
   EXPECT_EQ(lines, 0);
@@ -50,9 +50,9 @@ TEST_F(WorkerProcessTest, ReadsWhatIsLeftInThePipeAfterTheEnd) {
   EXPECT_EQ(lines, 4000);
 }
 
-TEST_F(WorkerProcessTest, LetsTheEventLoopRunWhileItIsFlooded) {
+TEST_F(RunningWorkerTest, LetsTheEventLoopRunWhileItIsFlooded) {
   int othersTurns = 0;
-  QObject::connect(&process, &WorkerProcess::lineArrived, [] {
+  QObject::connect(&process, &RunningWorker::lineArrived, [] {
     const auto until = std::chrono::steady_clock::now() + std::chrono::microseconds(50);
     while (std::chrono::steady_clock::now() < until) {
     }  // a receiver that takes its time
@@ -66,7 +66,7 @@ TEST_F(WorkerProcessTest, LetsTheEventLoopRunWhileItIsFlooded) {
   EXPECT_GE(othersTurns, 20) << "half a second of work must come in many pieces";
 }
 
-TEST_F(WorkerProcessTest, ReportsItsTimeAsUp) {
+TEST_F(RunningWorkerTest, ReportsItsTimeAsUp) {
   start({"hang"});
   EXPECT_FALSE(process.waitForEnd(std::chrono::milliseconds(1)));
   process.kill();

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/worker/WorkerProcess.h"
+#include "core/worker/RunningWorker.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -12,8 +11,8 @@ namespace {
 
 using SteadyClock = std::chrono::steady_clock;
 
-// Small, so that the lines of one piece are soon dealt with.
-constexpr std::size_t kPieceBytes = 4096;
+// Small, so that the lines in it are soon dealt with.
+constexpr std::size_t kSliceBytes = 4096;
 
 qint64 bytesWaiting(const PipeEnd& end) {
   int count = 0;
@@ -22,12 +21,12 @@ qint64 bytesWaiting(const PipeEnd& end) {
 
 }  // namespace
 
-WorkerProcess::WorkerProcess() {
+RunningWorker::RunningWorker() {
   _process.setProcessChannelMode(QProcess::ForwardedChannels);
   _process.setInputChannelMode(QProcess::ForwardedInputChannel);
 }
 
-Result<void> WorkerProcess::start(const WorkerLaunch& launch) {
+Result<void> RunningWorker::start(const WorkerLaunch& launch) {
   Result<Pipe> input = makePipe();
   if (!input) return Failure{input.error()};
   Result<Pipe> output = makePipe();
@@ -46,7 +45,7 @@ Result<void> WorkerProcess::start(const WorkerLaunch& launch) {
   });
   _process.start();
   if (!isRunning()) return Failure{_process.errorString()};
-  connect(&_process, &QProcess::finished, this, &WorkerProcess::processFinished);
+  connect(&_process, &QProcess::finished, this, &RunningWorker::processFinished);
   connect(&_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
     if (error == QProcess::FailedToStart) Q_EMIT launchFailed(_process.errorString());
   });
@@ -55,11 +54,11 @@ Result<void> WorkerProcess::start(const WorkerLaunch& launch) {
   _output = std::move(out.readEnd);
   _output.stopWaiting();
   _outputReady = std::make_unique<QSocketNotifier>(_output.descriptor(), QSocketNotifier::Read);
-  connect(_outputReady.get(), &QSocketNotifier::activated, this, &WorkerProcess::readOutput);
+  connect(_outputReady.get(), &QSocketNotifier::activated, this, &RunningWorker::readOutput);
   return {};
 }
 
-bool WorkerProcess::writeLine(const QByteArray& line) {
+bool RunningWorker::writeLine(const QByteArray& line) {
   if (!_input.isOpen()) return false;
   const QByteArray bytes = line + '\n';
   ssize_t written = -1;
@@ -71,58 +70,63 @@ bool WorkerProcess::writeLine(const QByteArray& line) {
   return written == bytes.size();
 }
 
-void WorkerProcess::abandon() {
+void RunningWorker::abandon() {
   _abandoned = true;
   _input.close();
 }
 
-bool WorkerProcess::waitForEnd(std::chrono::milliseconds limit) {
+bool RunningWorker::waitForEnd(std::chrono::milliseconds limit) {
   return !isRunning() || _process.waitForFinished(static_cast<int>(limit.count()));
 }
 
-void WorkerProcess::readOutput() {
+void RunningWorker::readOutput() {
   const SteadyClock::time_point end = SteadyClock::now() + kReadingTime;
-  bool more = true;
-  while (more && SteadyClock::now() < end)
-    more = readPiece();
-  if (_remaining == 0) Q_EMIT ended();
-}
-
-bool WorkerProcess::readPiece() {
-  std::array<char, kPieceBytes> piece;
-  const bool running = _remaining < 0;
-  const std::size_t wanted =
-      running ? piece.size() : std::min(piece.size(), static_cast<std::size_t>(_remaining));
-  const ssize_t count = ::read(_output.descriptor(), piece.data(), wanted);
-  if (count < 0 && errno == EINTR) return true;
-  if (count < 0 && errno == EAGAIN && running) return false;
-  if (count <= 0) {
-    closeOutput();
-    return false;
-  }
-  if (!running) _remaining -= count;
-  if (_remaining == 0) closeOutput();
-  if (!_abandoned) {
-    _framer.feed({piece.data(), static_cast<std::size_t>(count)}, [this](std::string_view line) {
-      // The receiver of a line may abandon the worker.
-      if (!_abandoned)
-        Q_EMIT lineArrived(QByteArray(line.data(), static_cast<qsizetype>(line.size())) + '\n');
-    });
-  }
-  return _remaining != 0;
-}
-
-void WorkerProcess::processFinished() {
-  _input.close();
-  _remaining = bytesWaiting(_output);
-  if (_remaining == 0) {
-    closeOutput();
+  while (SteadyClock::now() < end && (!_undelivered.empty() || readPiece()))
+    deliverSlice();
+  _outputReady->setEnabled(_undelivered.empty() && _output.isOpen());
+  if (!_undelivered.empty()) {
+    QMetaObject::invokeMethod(this, &RunningWorker::readOutput, Qt::QueuedConnection);
+  } else if (_remaining == 0) {
     Q_EMIT ended();
   }
 }
 
-void WorkerProcess::closeOutput() {
-  if (_outputReady) _outputReady->setEnabled(false);
+bool RunningWorker::readPiece() {
+  if (!_output.isOpen()) return false;
+  const bool running = _remaining < 0;
+  const std::size_t wanted =
+      running ? _piece.size() : std::min(_piece.size(), static_cast<std::size_t>(_remaining));
+  ssize_t count = -1;
+  do {
+    count = ::read(_output.descriptor(), _piece.data(), wanted);
+  } while (count < 0 && errno == EINTR);
+  if (count < 0 && errno == EAGAIN && running) return false;
+  if (count > 0 && !running) _remaining -= count;
+  if (count <= 0 || _remaining == 0) closeOutput();
+  _undelivered = {_piece.data(), count > 0 ? static_cast<std::size_t>(count) : 0};
+  return count > 0;
+}
+
+void RunningWorker::deliverSlice() {
+  const std::string_view slice = _undelivered.substr(0, kSliceBytes);
+  _undelivered.remove_prefix(slice.size());
+  if (_abandoned) return;
+  _framer.feed(slice, [this](std::string_view line) {
+    // The receiver of a line may abandon the worker.
+    if (!_abandoned) Q_EMIT lineArrived(QByteArray(line.data(), static_cast<qsizetype>(line.size())) + '\n');
+  });
+}
+
+void RunningWorker::processFinished() {
+  _input.close();
+  _remaining = bytesWaiting(_output);
+  if (_remaining == 0) closeOutput();
+  // What is undelivered yet comes first; readOutput is then due already.
+  if (_remaining == 0 && _undelivered.empty()) Q_EMIT ended();
+}
+
+void RunningWorker::closeOutput() {
+  _outputReady->setEnabled(false);
   _output.close();
   if (_remaining > 0) _remaining = 0;
 }

@@ -5,8 +5,10 @@
 #include <QProcess>
 #include <QSocketNotifier>
 #include <QString>
+#include <array>
 #include <chrono>
 #include <memory>
+#include <string_view>
 
 #include "core/base/Result.h"
 #include "core/platform/Pipe.h"
@@ -18,13 +20,13 @@ namespace ambrel {
 // One worker process from its start to its end. QProcess starts and reaps it; the pipes are our own. QProcess
 // would read everything that a flooding worker writes into memory, and would hold a command back until the
 // event loop runs again, which it does not when the application quits.
-class WorkerProcess : public QObject {
+class RunningWorker : public QObject {
   Q_OBJECT
  public:
   // How long reading may keep the event loop from its other work.
   static constexpr std::chrono::milliseconds kReadingTime{8};
 
-  WorkerProcess();
+  RunningWorker();
 
   // Fails with the reason as far as the system tells at once; see launchFailed.
   Result<void> start(const WorkerLaunch& launch);
@@ -50,8 +52,9 @@ class WorkerProcess : public QObject {
 
  private:
   void readOutput();
-  // Whether more may follow.
+  // Whether there was anything to read.
   bool readPiece();
+  void deliverSlice();
   void processFinished();
   void closeOutput();
 
@@ -61,7 +64,9 @@ class WorkerProcess : public QObject {
   std::unique_ptr<QSocketNotifier> _outputReady;
   protocol::LineFramer _framer;
   bool _abandoned = false;
-  // Bytes still to be read once the process has ended: its own children may keep the pipe open and write on.
+  std::array<char, 65536> _piece;  // what a pipe holds
+  std::string_view _undelivered;   // the rest of _piece
+  // Bytes to be read yet once the process has ended: its own children may keep the pipe open and write on.
   qint64 _remaining = -1;  // -1 while the process runs
 };
 

@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: Apache-2.0
+// The road of a photo with 100,000 names in the list: from the shutter to the file in its folder and the row
+// counted, beside gphoto2 with a hook script that makes the folder and moves the file; and the main thread
+// during a burst.
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <optional>
+
+#include "core/app/AmbrelAppDelegate.h"
+#include "core/base/PosixFiles.h"
+#include "core/base/SystemClock.h"
+#include "core/worker/ProcessLink.h"
+#include "support/Goals.h"
+#include "support/RecordingScreen.h"
+#include "support/SimulatedCamera.h"
+
+using namespace ambrel;
+
+namespace {
+
+constexpr int kNames = 100'000;
+constexpr int kSingles = 25;
+constexpr int kBurst = 300;
+constexpr int kPhotoBytes = 1'000'000;
+constexpr int kPatienceMs = 30'000;
+constexpr double kMostAfterDownloadMs = 15;
+constexpr double kLongestGapMs = 16;
+
+// Nobody is there to be asked: alerts go by, questions are never answered.
+class AbsentOperator : public Operator {
+ public:
+  void showAlert(const QString& title, const QString& message, std::function<void()>) override {
+    std::fprintf(stderr, "%s: %s\n", qPrintable(title), qPrintable(message));
+  }
+  void ask(const Question&, std::function<void(const Answer&)>) override {}
+  void choosePath(const PathRequest&, std::function<void(const QString&)>) override {}
+  void beep() override {}
+};
+
+template <typename Done>
+void serveUntil(Done&& done, const char* what) {
+  QElapsedTimer elapsed;
+  elapsed.start();
+  while (!done()) {
+    bench::require(elapsed.elapsed() < kPatienceMs, what);
+    QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 5);
+  }
+}
+
+void pause(int milliseconds) {
+  QElapsedTimer elapsed;
+  elapsed.start();
+  serveUntil([&] { return elapsed.elapsed() >= milliseconds; }, "pause");
+}
+
+// Both programs look for photos in turns; photos at ever other points of a turn show them as they are.
+int pauseBefore(int shot) {
+  return 250 + 37 * (shot % 11);
+}
+
+void shoot(SimulatedCamera& camera, int count = 1) {
+  camera.command("shoot n=" + std::to_string(count) + " size=" + std::to_string(kPhotoBytes));
+}
+
+class Session {
+ public:
+  explicit Session(const SimulatedCamera& camera) {
+    qputenv("AMBREL_CAMERA_PORT", QByteArray::fromStdString(camera.gphotoPort()));
+    layOut();
+    _app.emplace(_clock, _operator, _files, _link,
+                 Surroundings{_locations, Bundle(QStringLiteral(AMBREL_BUNDLE)), [](qint64) {}});
+    QObject::connect(
+        &_app->photoFiler(), &PhotoFiler::filed, &*_app, [this](const QString& path, qint64 row) {
+          bench::require(row == _app->list().selectedRow(), "the photo was counted on another row");
+          filed.append(path);
+        });
+    QObject::connect(&_link, &WorkerLink::blockArrived, &*_app, [this](const QByteArray& block) {
+      if (block.startsWith("DOWNLOADED|")) _sinceDownloaded.start();
+    });
+    bool watched = false;
+    QObject::connect(&*_app, &AmbrelAppDelegate::watchingConfirmed, &*_app, [&watched] { watched = true; });
+    _app->applicationDidFinishLaunching(_screen);
+    serveUntil([this] { return _screen.isBuilt(); }, "the application does not start");
+    bench::require(_app->list().grid().rowCount() == kNames, "the list is not whole");
+    _app->connectCameraManual();
+    serveUntil([&] { return watched; }, "the camera is not watched");
+    watched = false;
+    QObject::disconnect(&*_app, &AmbrelAppDelegate::watchingConfirmed, nullptr, nullptr);
+  }
+  ~Session() { _app->applicationWillTerminate(); }
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  // Milliseconds from the worker's report until the row is counted.
+  double waitForOne() {
+    const qsizetype wanted = filed.size() + 1;
+    serveUntil([&] { return filed.size() >= wanted; }, "no photo was filed");
+    return static_cast<double>(_sinceDownloaded.nsecsElapsed()) / 1e6;
+  }
+
+  QStringList filed;
+
+ private:
+  void layOut() {
+    QDir().mkpath(_home.filePath("Photos"));
+    QFile names(_home.filePath("names.csv"));
+    bench::require(names.open(QIODevice::WriteOnly), "the list cannot be written");
+    names.write("Name\n");
+    for (int i = 0; i < kNames; ++i)
+      names.write("Person Number " + QByteArray::number(i) + '\n');
+    Preferences preferences(_locations.preferencesFile);
+    preferences.setLastCSVPath(names.fileName());
+    preferences.setLastTargetDir(_home.filePath("Photos"));
+  }
+
+  QTemporaryDir _home;
+  Locations _locations = Locations::below(_home.filePath("home"));
+  SystemClock _clock;
+  AbsentOperator _operator;
+  PosixFiles _files;
+  ProcessLink _link;
+  RecordingScreen _screen;
+  QElapsedTimer _sinceDownloaded;
+  std::optional<AmbrelAppDelegate> _app;
+};
+
+// gphoto2 in tethered capture with a script that files each photo as we do.
+class Peer {
+ public:
+  explicit Peer(const SimulatedCamera& camera) {
+    QFile hook(_folder.filePath("file.sh"));
+    bench::require(hook.open(QIODevice::WriteOnly), "the hook cannot be written");
+    hook.write(
+        "#!/bin/sh\n[ \"$ACTION\" = download ] || exit 0\nmkdir -p \"Person\" && "
+        "mv -n \"$ARGUMENT\" \"Person/Person_$(basename \"$ARGUMENT\")\"\n");
+    hook.setPermissions(QFile::ReadOwner | QFile::ExeOwner | QFile::WriteOwner);
+    hook.close();
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("HOME", _folder.path());
+    environment.insert("LC_ALL", "C");
+    _process.setProcessEnvironment(environment);
+    _process.setWorkingDirectory(_folder.path());
+    _process.start("gphoto2", {"--quiet", "--camera", "PTP/IP Camera", "--port",
+                               QString::fromStdString(camera.gphotoPort()), "--set-config", "capturetarget=1",
+                               "--keep", "--hook-script", hook.fileName(), "--capture-tethered"});
+    bench::require(_process.waitForStarted(), "gphoto2 cannot be started");
+  }
+  ~Peer() {
+    _process.terminate();
+    _process.waitForFinished(3000);
+  }
+  Peer(const Peer&) = delete;
+  Peer& operator=(const Peer&) = delete;
+
+  int filedPhotos() const {
+    return static_cast<int>(QDir(_folder.filePath("Person")).entryList(QDir::Files).size());
+  }
+
+ private:
+  QTemporaryDir _folder;
+  QProcess _process;
+};
+
+double peerMedian() {
+  SimulatedCamera camera;
+  const Peer peer(camera);
+  for (int attempt = 0; attempt < 10 && peer.filedPhotos() == 0; ++attempt) {
+    shoot(camera);
+    pause(1000);
+  }
+  bench::require(peer.filedPhotos() > 0, "gphoto2 files nothing");
+  std::vector<double> times;
+  for (int shot = 0; shot < kSingles; ++shot) {
+    pause(pauseBefore(shot));
+    const int wanted = peer.filedPhotos() + 1;
+    shoot(camera);
+    times.push_back(bench::millisecondsOf(
+        [&] { serveUntil([&] { return peer.filedPhotos() >= wanted; }, "gphoto2 filed no photo"); }));
+  }
+  return bench::median(times);
+}
+
+void measureSingles(Session& session, SimulatedCamera& camera, bench::Goals& goals) {
+  std::vector<double> afterDownload;
+  std::vector<double> wholeRoad;
+  for (int shot = 0; shot < kSingles; ++shot) {
+    pause(pauseBefore(shot));
+    shoot(camera);
+    wholeRoad.push_back(bench::millisecondsOf([&] { afterDownload.push_back(session.waitForOne()); }));
+  }
+  goals.atMost("worker's report to row counted", bench::median(afterDownload), kMostAfterDownloadMs);
+  goals.atMostTimes("shutter to filed and counted", bench::median(wholeRoad), "gphoto2 + hook", peerMedian(),
+                    1.0);
+}
+
+void measureBurst(Session& session, SimulatedCamera& camera, bench::Goals& goals) {
+  QTimer heartbeat;
+  QElapsedTimer sinceBeat;
+  double longest = 0;
+  QObject::connect(&heartbeat, &QTimer::timeout, &heartbeat, [&] {
+    longest = std::max(longest, static_cast<double>(sinceBeat.nsecsElapsed()) / 1e6);
+    sinceBeat.start();
+  });
+  heartbeat.setTimerType(Qt::PreciseTimer);
+  const qsizetype before = session.filed.size();
+  shoot(camera, kBurst);
+  sinceBeat.start();
+  heartbeat.start(1);
+  serveUntil([&] { return session.filed.size() >= before + kBurst; }, "the burst was not filed");
+  heartbeat.stop();
+  for (qsizetype i = 0; i < session.filed.size(); ++i) {
+    const QString number = QStringLiteral("_%1.JPG").arg(i + 1, 4, 10, QLatin1Char('0'));
+    bench::require(session.filed[i].endsWith(number), "the numbers are not consecutive");
+    bench::require(QFile::exists(session.filed[i]), "a filed photo is missing");
+  }
+  goals.atMost("longest gap of the main thread, 300 photos", longest, kLongestGapMs);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  QCoreApplication application(argc, argv);
+  SimulatedCamera camera;
+  Session session(camera);
+  bench::Goals goals;
+  measureSingles(session, camera, goals);
+  measureBurst(session, camera, goals);
+  return goals.exitCode();
+}

@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <csignal>
+#include <filesystem>
+
+#include "WorkerSession.h"
+
+namespace ambrel {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+class WorkerLife : public WorkerSession {
+ protected:
+  // Home folders in the temporary folder that belong to the worker with this process id.
+  static int homesOf(pid_t pid) {
+    const std::string prefix = "ambrel-worker-" + std::to_string(pid) + "-";
+    int homes = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(std::filesystem::temp_directory_path())) {
+      homes += entry.path().filename().string().starts_with(prefix) ? 1 : 0;
+    }
+    return homes;
+  }
+};
+
+TEST_F(WorkerLife, AnnouncesItselfAndItsLibrary) {
+  start();
+  ASSERT_EQ(worker->lines().size(), 3u);
+  EXPECT_TRUE(worker->lines()[0].starts_with("CPP_WORKER|libgphoto2 2."));
+  EXPECT_EQ(worker->lines()[1], "STATUS|loading canon sdk");
+  EXPECT_EQ(worker->lines()[2], "READY|OK");
+}
+
+TEST_F(WorkerLife, TellsEachStepOfConnecting) {
+  start().connect();
+  std::vector<std::string> steps;
+  for (const std::string& line : worker->lines()) {
+    if (!line.starts_with("LOG|")) steps.push_back(line);
+  }
+  EXPECT_EQ(
+      std::vector<std::string>(steps.begin() + 3, steps.end()),
+      (std::vector<std::string>{"STATUS|waiting for camera usb", "STATUS|connecting to camera",
+                                "STATUS|opening camera session", "STATUS|setting save destination",
+                                "STATUS|checking camera memory card", "STATUS|connected", "CONNECTED|"}));
+}
+
+TEST_F(WorkerLife, EndsOnQuitWithoutACamera) {
+  start().send("QUIT");
+  EXPECT_EQ(worker->waitForExit(seconds(1)), 0);
+}
+
+TEST_F(WorkerLife, EndsOnQuitWhileWatching) {
+  watch().send("QUIT");
+  EXPECT_EQ(worker->waitForExit(seconds(1)), 0);
+}
+
+TEST_F(WorkerLife, EndsWithItsInput) {
+  watch().closeInput();
+  EXPECT_EQ(worker->waitForExit(seconds(1)), 0);
+}
+
+TEST_F(WorkerLife, EndsInOrderWhenTerminated) {
+  watch().signal(SIGTERM);
+  EXPECT_EQ(worker->waitForExit(seconds(1)), 0);
+  // The camera is free for the next one at once.
+  start().connect();
+}
+
+TEST_F(WorkerLife, RemovesItsPrivateHome) {
+  start();
+  const pid_t pid = worker->pid();
+  EXPECT_EQ(homesOf(pid), 1);
+  worker->send("QUIT");
+  worker->waitForExit();
+  EXPECT_EQ(homesOf(pid), 0);
+}
+
+TEST_F(WorkerLife, RemovesTheHomeOfAWorkerThatWasKilled) {
+  start();
+  const pid_t pid = worker->pid();
+  worker->signal(SIGKILL);
+  worker->waitForExit();
+  EXPECT_EQ(homesOf(pid), 1);
+  start();
+  EXPECT_EQ(homesOf(pid), 0);
+}
+
+TEST_F(WorkerLife, RefusesAWrongCommandLine) {
+  EXPECT_THROW(WorkerProcess({folder.path(), camera.gphotoPort(), "both", {"/bin/sh", "-c", "exec \"$0\""}}),
+               std::runtime_error);
+}
+
+TEST_F(WorkerLife, ObeysWithin150MillisecondsWhileWatching) {
+  watch();
+  for (int i = 0; i < 10; ++i) {
+    EXPECT_LE(timeOf([&] {
+                worker->send("PUMP_IDLE");
+                worker->waitFor("PUMP_IDLE_READY|");
+              }),
+              milliseconds(150));
+    worker->watch();
+  }
+}
+
+TEST_F(WorkerLife, ObeysWithin150MillisecondsDuringATransfer) {
+  watch();
+  camera.command("set rate=5000000");
+  camera.command("shoot n=1 kind=jpeg size=10000000");
+  worker->waitFor("CAPTURE_EVENT|");
+  EXPECT_LE(timeOf([&] {
+              worker->send("PUMP_IDLE");
+              worker->waitFor("PUMP_IDLE_READY|");
+            }),
+            milliseconds(250));
+  EXPECT_EQ(waitForPhotos(1), takenPhotos());
+}
+
+TEST_F(WorkerLife, EndsSoonInTheMiddleOfALongTransferAndLeavesNothing) {
+  watch();
+  camera.command("set rate=1000000");
+  camera.command("shoot n=1 kind=jpeg size=30000000");
+  worker->waitFor("CAPTURE_EVENT|");
+  worker->closeInput();
+  EXPECT_EQ(worker->waitForExit(seconds(8)), 0);
+  EXPECT_TRUE(folder.names().empty());
+}
+
+}  // namespace
+}  // namespace ambrel
