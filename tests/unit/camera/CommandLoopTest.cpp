@@ -446,7 +446,25 @@ TEST_F(CommandLoop, FindsOnTheCardWhatCameWithoutAnySignAfterTwoQuietSeconds) {
       Lines(channel.said.begin() + 3, channel.said.end()),
       (Lines{"CAPTURE_EVENT|", downloaded("IMG_0001.JPG"), "CAPTURE_EVENT|", downloaded("IMG_0002.CR3")}));
   EXPECT_LE(channel.saidAt(downloaded("IMG_0001.JPG")),
-            milliseconds(500) + kQuietBeforeLook + 2 * kWatchingPause);
+            milliseconds(500) + kQuietBeforeLook + kAnnouncementDelay + 2 * kWatchingPause);
+}
+
+TEST_F(CommandLoop, WaitsForAnAnnouncementBeforeItLooksAtTheCard) {
+  watch();
+  camera.shootSilently(milliseconds(2050), jpegOnCard("IMG_0001.JPG"), kJpeg);
+  camera.announce(milliseconds(2300), jpegOnCard("IMG_0001.JPG"));
+  run();
+  EXPECT_EQ(camera.fetched.size(), 1u);
+  EXPECT_EQ(camera.listings, 1);
+}
+
+TEST_F(CommandLoop, StartsAfreshWhenPhotosWereDeletedOnTheCard) {
+  camera.shootSilently(milliseconds(0), jpegOnCard("IMG_0001.JPG"), kJpeg);
+  watch();
+  camera.freed = {milliseconds(1000), 10};
+  run();
+  EXPECT_EQ(camera.listings, 2);
+  EXPECT_TRUE(camera.fetched.empty());
 }
 
 TEST_F(CommandLoop, LooksAtTheCardOnceWhileItsRoomStaysTheSame) {

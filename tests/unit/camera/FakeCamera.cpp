@@ -113,7 +113,8 @@ Outcome<std::uint64_t> FakeCamera::cardFreeKib() {
   std::uint64_t used = 0;
   for (const Stored& photo : _photos)
     used += photo.at <= _channel.elapsed() ? 1 : 0;
-  return kWholeCardKib - used;
+  const std::uint64_t freedNow = _channel.elapsed() >= freed.first ? freed.second : 0;
+  return kWholeCardKib - used + freedNow;
 }
 
 Outcome<std::vector<CameraFile>> FakeCamera::newestCardFolder() {
