@@ -348,6 +348,11 @@ auto CommandLoop::patiently(Call call) -> decltype(call()) {
 
 void CommandLoop::cameraFailed(const Failure& failure) {
   if (failure.kind == Failure::Kind::Busy) return log("camera busy: " + failure.reason);
+  if (failure.kind == Failure::Kind::CutShort) {
+    say(Message::Kind::CaptureEvent);
+    return say(Message::Kind::Error,
+               "download failed: " + failure.reason + "; one photo may still be in the camera's memory");
+  }
   lost(failure.reason);
 }
 

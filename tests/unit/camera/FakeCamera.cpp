@@ -84,6 +84,7 @@ Outcome<bool> FakeCamera::hasCard() {
 Outcome<CameraEvent> FakeCamera::waitForEvent() {
   if (auto loss = lossNow()) return *loss;
   if (_happenings.empty() || _happenings.front().at > _channel.elapsed()) return CameraEvent{};
+  if (auto failure = take(eventFailures)) return *failure;
   const CameraEvent event = _happenings.front().event;
   _happenings.pop_front();
   return event;

@@ -65,6 +65,8 @@ class FakeCamera : public Camera {
 
   // Failures of single operations, each used up one by one.
   std::deque<Failure> findFailures, openFailures, confirmFailures, downloadFailures, listFailures;
+  // Met by the first waits in which something happens.
+  std::deque<Failure> eventFailures;
   bool card = true;
   bool sessionOpen = false;
   // From this time on the card has so many KiB more.
