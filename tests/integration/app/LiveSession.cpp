@@ -16,6 +16,7 @@ LiveSession::LiveSession() : locations(Locations::below(folder.filePath("home"))
   app = std::make_unique<AmbrelAppDelegate>(clock, operatorSeam, files, link,
                                             Surroundings{locations, Bundle(AMBREL_BUNDLE), [](qint64) {}});
   QObject::connect(&link, &WorkerLink::blockArrived, app.get(), [this](const QByteArray& block) {
+    if (block.startsWith("ERROR|")) errors.append(QString::fromUtf8(block.mid(6)).trimmed());
     if (block.startsWith("DOWNLOADED|")) reported.append(QString::fromUtf8(block.mid(11)).trimmed());
   });
   QObject::connect(app.get(), &AmbrelAppDelegate::watchingConfirmed, app.get(), [this] { watched = true; });

@@ -49,6 +49,7 @@ class LiveSession {
   std::unique_ptr<AmbrelAppDelegate> app;
   std::vector<Filed> filed;
   bool watched = false;  // the worker has said that it watches; a test that cuts the link clears it
+  QStringList errors;    // what the worker complained of
   QStringList reported;  // every path that the worker said it had downloaded
 };
 

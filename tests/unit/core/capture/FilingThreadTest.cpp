@@ -96,13 +96,16 @@ TEST(FilingThread, FinishWithNothingToDoReturnsAtOnce) {
 TEST(FilingThread, FinishGivesUpAfterItsLimitAndTheThreadIsLeftBehind) {
   QObject mainSide;
   auto release = std::make_shared<std::promise<void>>();
+  std::promise<void> begun;
   std::promise<bool> abandoned;
   {
     FilingThread thread(mainSide);
-    thread.add([hold = release->get_future().share(), &abandoned](FilingThread::Line& line) {
+    thread.add([hold = release->get_future().share(), &begun, &abandoned](FilingThread::Line& line) {
+      begun.set_value();
       hold.wait();
       abandoned.set_value(line.isAbandoned() && !line.ask([] { FAIL() << "nobody listens any more"; }));
     });
+    begun.get_future().wait();
     EXPECT_FALSE(thread.finish(1ms));
   }
   release->set_value();
