@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::string_view kPartPrefix = ".ambrel-";
 constexpr std::string_view kPartSuffix = ".part";
-constexpr std::uint64_t kFlushStep = 2 * 1024 * 1024;
+constexpr std::uint64_t kFlushStep = 2UL * 1024 * 1024;
 constexpr int kMostNames = 10000;
 
 Failure local(std::string reason) {

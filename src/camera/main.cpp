@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <optional>
 #include <string>
@@ -49,8 +50,8 @@ int terminationRequests() {
 // Environment: AMBREL_CAMERA_PORT names the port of a camera that is not on USB, as "ptpip:192.168.1.2".
 int main(int argc, char** argv) {
   if (argc != 4) {
-    constexpr std::string_view usage = "usage: ambrel_cpp_worker DOWNLOAD_FOLDER SDK_PATH both|disk|card\n";
-    return write(STDERR_FILENO, usage.data(), usage.size()) > 0 ? kExitUsage : kExitUsage;
+    std::fputs("usage: ambrel_cpp_worker DOWNLOAD_FOLDER SDK_PATH both|disk|card\n", stderr);
+    return kExitUsage;
   }
   // The library writes to connections that the camera may have closed.
   std::signal(SIGPIPE, SIG_IGN);
