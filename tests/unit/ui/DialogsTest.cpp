@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <QFile>
+#include <QLabel>
 #include <QTemporaryDir>
 #include <QTest>
 #include <gtest/gtest.h>
