@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <QTemporaryDir>
 #include <QTest>
+#include <gtest/gtest.h>
 
 #include "core/base/PosixFiles.h"
 #include "support/ScriptedOperator.h"
