@@ -123,9 +123,7 @@ void waitUntilPeerWatches(SimulatedCamera& camera, const Peer& peer) {
   bench::require(false, "gphoto2 does not watch the camera");
 }
 
-}  // namespace
-
-int main() {
+int measure() {
   bench::Goals goals;
   SimulatedCamera camera;
   const std::vector<std::size_t> sizes{1'000'000, 10'000'000, 30'000'000};
@@ -152,4 +150,15 @@ int main() {
   goals.atMost("watching and no photo, percent of a core", watching, kMostIdlePercent, "% ");
   goals.mention("gphoto2 watching and no photo", idlePercent(peer.pid()), "% ");
   return goals.exitCode();
+}
+
+}  // namespace
+
+int main() {
+  try {
+    return measure();
+  } catch (const std::runtime_error& error) {
+    bench::require(false, error.what());
+  }
+  return EXIT_FAILURE;
 }

@@ -46,7 +46,7 @@ class PhotoSink {
 };
 
 // One camera at a time. Order of use: find, open, confirmSaveMode; then the rest any number of times; then
-// close. After a failure other than Busy, Local and Stopped only close is legal, and find starts anew. No
+// close. After a failure other than Busy, CutShort and Local only close is legal, and find starts anew. No
 // call deletes or changes anything on the camera's card.
 class Camera {
  public:

@@ -312,8 +312,12 @@ void CommandLoop::lookAtCardWhenDue() {
   if (!room) return cameraFailed(room.failure());
   const std::optional<std::uint64_t> before = std::exchange(_cardRoom, room.value());
   if (!before || *before == room.value()) return;
-  if (room.value() < *before) return lookAtCard();
-  // Photos were deleted, or it is another card.
+  if (room.value() < *before) {
+    // Its announcement may be on the way.
+    _lookAt = now + kAnnouncementDelay;
+    return;
+  }
+  // More room than before: photos were deleted, or it is another card.
   if (const Outcome<> started = startFromCard(); !started) cameraFailed(started.failure());
 }
 
@@ -344,6 +348,11 @@ auto CommandLoop::patiently(Call call) -> decltype(call()) {
 
 void CommandLoop::cameraFailed(const Failure& failure) {
   if (failure.kind == Failure::Kind::Busy) return log("camera busy: " + failure.reason);
+  if (failure.kind == Failure::Kind::CutShort) {
+    say(Message::Kind::CaptureEvent);
+    return say(Message::Kind::Error,
+               "download failed: " + failure.reason + "; one photo may still be in the camera's memory");
+  }
   lost(failure.reason);
 }
 

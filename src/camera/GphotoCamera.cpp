@@ -16,6 +16,9 @@ namespace {
 // The library polls the camera once and then sleeps for the rest of this; the pauses between are ours.
 constexpr int kEventWaitMs = 1;
 constexpr std::string_view kAnyUsb = "usb:";
+constexpr std::string_view kPartialObject = "Sending PTP_OC 0x101b";
+constexpr std::string_view kTransferComplete = "Sending PTP_OC 0x9117";
+constexpr std::string_view kCaptureTarget = "currentvalue of d11c is ";
 
 Failure failureFor(int error) {
   return {error == GP_ERROR_CAMERA_BUSY ? Failure::Kind::Busy : Failure::Kind::Lost,
@@ -85,10 +88,27 @@ int takeBytes(void* priv, unsigned char* data, std::uint64_t* length) {
 }  // namespace
 
 GphotoCamera::GphotoCamera(std::string port, Watchdog& watchdog, std::function<void(const std::string&)> log)
-    : _port(std::move(port)), _watchdog(watchdog), _log(std::move(log)), _context(gp_context_new()) {}
+    : _port(std::move(port)), _watchdog(watchdog), _log(std::move(log)), _context(gp_context_new()) {
+  _logId = gp_log_add_func(GP_LOG_DEBUG, &GphotoCamera::hearLibrary, this);
+}
 
 GphotoCamera::~GphotoCamera() {
   close();
+  gp_log_remove_func(_logId);
+}
+
+// Some of what we have to know the library tells its log only: that it reads a photo out of the camera's
+// memory within a wait for events, and where the camera itself says that it stores photos.
+void GphotoCamera::hearLibrary(GPLogLevel level, const char*, const char* text, void* camera) {
+  auto& self = *static_cast<GphotoCamera*>(camera);
+  const std::string_view line(text);
+  if (level == GP_LOG_ERROR) return self._log("libgphoto2: " + std::string(line));
+  if (line.starts_with(kPartialObject) || line.starts_with(kTransferComplete)) {
+    self._handingOver = true;
+    self._watchdog.feed();
+  }
+  const std::size_t target = line.find(kCaptureTarget);
+  if (target != std::string_view::npos) self._captureTarget = line.substr(target + kCaptureTarget.size());
 }
 
 Outcome<> GphotoCamera::load() {
@@ -129,6 +149,7 @@ Outcome<> GphotoCamera::open(SaveMode mode) {
   const Watchdog::Deadline deadline(_watchdog, "opening it", kCallLimit);
   _mode = mode;
   _listed = false;
+  _captureTarget.clear();
   // Read by the library when the session begins: the camera then goes straight to the right target.
   saveSetting("ptp2", "capturetarget", settingFor(mode));
   _ourSockets = openInternetSockets();
@@ -156,14 +177,14 @@ Outcome<> GphotoCamera::confirmSaveMode(SaveMode mode) {
   // Cameras without the choice have one place to store photos.
   if (result == GP_ERROR_BAD_PARAMETERS || result == GP_ERROR_NOT_SUPPORTED) return Done{};
   if (result < GP_OK) return failureFor(result);
-  return setTarget(widget.get(), mode);
+  Outcome<> set = setTarget(widget.get(), mode);
+  // 4 is the host's memory, anything else a card or both.
+  if (!_captureTarget.empty()) _log("the camera says its capture target is " + _captureTarget);
+  return set;
 }
 
 Outcome<> GphotoCamera::setTarget(::CameraWidget* widget, SaveMode mode) {
   const std::string_view wanted = mode == SaveMode::Disk ? "RAM" : "card";
-  const char* current = nullptr;
-  gp_widget_get_value(widget, &current);
-  _log("capture target: " + std::string(current != nullptr ? current : "unknown"));
   for (int i = 0; i < gp_widget_count_choices(widget); ++i) {
     const char* choice = nullptr;
     gp_widget_get_choice(widget, i, &choice);
@@ -189,11 +210,16 @@ Outcome<bool> GphotoCamera::hasCard() {
 
 Outcome<CameraEvent> GphotoCamera::waitForEvent() {
   const Watchdog::Deadline deadline(_watchdog, "waiting for a photo", kCallLimit);
+  _handingOver = false;
   CameraEventType type = GP_EVENT_TIMEOUT;
   void* data = nullptr;
   const int result = gp_camera_wait_for_event(_camera.get(), kEventWaitMs, &type, &data, _context.get());
   const std::unique_ptr<void, decltype(&std::free)> owned(data, &std::free);
-  if (result < GP_OK) return failureFor(result);
+  if (result < GP_OK) {
+    Failure failure = failureFor(result);
+    if (_handingOver && failure.kind == Failure::Kind::Busy) failure.kind = Failure::Kind::CutShort;
+    return failure;
+  }
   switch (type) {
     case GP_EVENT_TIMEOUT:
       return CameraEvent{};

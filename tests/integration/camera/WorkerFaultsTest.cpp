@@ -113,6 +113,18 @@ TEST_F(WorkerFaults, AsksABusyCameraAgainForItsEvents) {
   EXPECT_EQ(worker->count("DISCONNECTED|"), 0);
 }
 
+// The library hands such a photo over within a wait for events, and never again.
+TEST_F(WorkerFaults, SaysThatABusyCameraCostAPhotoInModeDisk) {
+  watch("disk");
+  camera.command("busy n=1 op=101B");
+  camera.command(kSmallPhoto);
+  EXPECT_TRUE(
+      worker->waitFor("ERROR|download failed: ").ends_with("one photo may still be in the camera's memory"));
+  camera.command(kSmallPhoto);
+  EXPECT_EQ(waitForPhotos(1).front(), takenPhotos().back());
+  EXPECT_EQ(worker->count("DISCONNECTED|"), 0);
+}
+
 TEST_F(WorkerFaults, WarnsOfAMissingCardAndGoesOnWhenThereIsOne) {
   camera.command("card in=0");
   start("both");

@@ -387,6 +387,18 @@ TEST_F(CommandLoop, SaysThatALossInModeDiskMayHaveCostAPhoto) {
       (Lines{"ERROR|camera lost: a photo taken in the last moment may be gone with it", "DISCONNECTED|"}));
 }
 
+TEST_F(CommandLoop, SaysThatAPhotoWasCutShortInTheCamerasMemoryAndGoesOn) {
+  watch("disk");
+  camera.eventFailures = {{Failure::Kind::CutShort, "I/O in progress (-110)"}};
+  camera.shoot(milliseconds(500), jpegInMemory("capt0000.jpg"), kJpeg);
+  run();
+  EXPECT_EQ(
+      Lines(channel.said.begin() + 3, channel.said.end()),
+      (Lines{"CAPTURE_EVENT|",
+             "ERROR|download failed: I/O in progress (-110); one photo may still be in the camera's memory",
+             "CAPTURE_EVENT|", downloaded("capt0000.jpg")}));
+}
+
 TEST_F(CommandLoop, ReportsAFolderThatIsGoneAndGoesOnWithTheSession) {
   watch();
   camera.shoot(milliseconds(500), jpegOnCard("IMG_0001.JPG"), kJpeg);
@@ -446,7 +458,25 @@ TEST_F(CommandLoop, FindsOnTheCardWhatCameWithoutAnySignAfterTwoQuietSeconds) {
       Lines(channel.said.begin() + 3, channel.said.end()),
       (Lines{"CAPTURE_EVENT|", downloaded("IMG_0001.JPG"), "CAPTURE_EVENT|", downloaded("IMG_0002.CR3")}));
   EXPECT_LE(channel.saidAt(downloaded("IMG_0001.JPG")),
-            milliseconds(500) + kQuietBeforeLook + 2 * kWatchingPause);
+            milliseconds(500) + kQuietBeforeLook + kAnnouncementDelay + 2 * kWatchingPause);
+}
+
+TEST_F(CommandLoop, WaitsForAnAnnouncementBeforeItLooksAtTheCard) {
+  watch();
+  camera.shootSilently(milliseconds(2050), jpegOnCard("IMG_0001.JPG"), kJpeg);
+  camera.announce(milliseconds(2300), jpegOnCard("IMG_0001.JPG"));
+  run();
+  EXPECT_EQ(camera.fetched.size(), 1u);
+  EXPECT_EQ(camera.listings, 1);
+}
+
+TEST_F(CommandLoop, StartsAfreshWhenPhotosWereDeletedOnTheCard) {
+  camera.shootSilently(milliseconds(0), jpegOnCard("IMG_0001.JPG"), kJpeg);
+  watch();
+  camera.freed = {milliseconds(1000), 10};
+  run();
+  EXPECT_EQ(camera.listings, 2);
+  EXPECT_TRUE(camera.fetched.empty());
 }
 
 TEST_F(CommandLoop, LooksAtTheCardOnceWhileItsRoomStaysTheSame) {

@@ -84,6 +84,7 @@ Outcome<bool> FakeCamera::hasCard() {
 Outcome<CameraEvent> FakeCamera::waitForEvent() {
   if (auto loss = lossNow()) return *loss;
   if (_happenings.empty() || _happenings.front().at > _channel.elapsed()) return CameraEvent{};
+  if (auto failure = take(eventFailures)) return *failure;
   const CameraEvent event = _happenings.front().event;
   _happenings.pop_front();
   return event;
@@ -113,7 +114,8 @@ Outcome<std::uint64_t> FakeCamera::cardFreeKib() {
   std::uint64_t used = 0;
   for (const Stored& photo : _photos)
     used += photo.at <= _channel.elapsed() ? 1 : 0;
-  return kWholeCardKib - used;
+  const std::uint64_t freedNow = _channel.elapsed() >= freed.first ? freed.second : 0;
+  return kWholeCardKib - used + freedNow;
 }
 
 Outcome<std::vector<CameraFile>> FakeCamera::newestCardFolder() {

@@ -56,13 +56,21 @@ class FakeCamera : public Camera {
   void shoot(milliseconds at, CameraFile file, std::string content);
   // The same, but nobody hears of it.
   void shootSilently(milliseconds at, CameraFile file, std::string content);
+  // The announcement alone, of a photo that was shot silently.
+  void announce(milliseconds at, CameraFile file) {
+    _happenings.push_back({at, {CameraEvent::Kind::FileAdded, std::move(file)}});
+  }
   void tell(milliseconds at, CameraEvent::Kind kind);
   void failFrom(milliseconds at, Failure failure) { _lossAt = {at, std::move(failure)}; }
 
   // Failures of single operations, each used up one by one.
   std::deque<Failure> findFailures, openFailures, confirmFailures, downloadFailures, listFailures;
+  // Met by the first waits in which something happens.
+  std::deque<Failure> eventFailures;
   bool card = true;
   bool sessionOpen = false;
+  // From this time on the card has so many KiB more.
+  std::pair<milliseconds, std::uint64_t> freed{0, 0};
   int opened = 0;
   int listings = 0;
   std::vector<SaveMode> modes;

@@ -2,6 +2,7 @@
 #include <QHeaderView>
 #include <QSignalSpy>
 #include <QTest>
+#include <gtest/gtest.h>
 
 #include "ListFixture.h"
 #include "ui/ListPane.h"

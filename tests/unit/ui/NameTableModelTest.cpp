@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
+#include <gtest/gtest.h>
 
 #include "ListFixture.h"
 #include "ui/NameTableModel.h"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <QTest>
+#include <gtest/gtest.h>
 
 #include "ListFixture.h"
 #include "ui/NoteField.h"
