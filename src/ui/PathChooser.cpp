@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QPushButton>
+#include <QStyle>
 
 namespace ambrel::ui {
 namespace {
@@ -52,9 +53,18 @@ PathChooser::PathChooser(const PathRequest& request, QWidget* parent)
   }
   if (request.kind != PathRequest::Kind::OpenFolder) setNameFilter(nameFilter(request.extensions));
   resize(kChooserSize);
-  if (auto* buttons = findChild<QDialogButtonBox*>())
-    buttons->button(QDialogButtonBox::Cancel)->setObjectName(QStringLiteral("secondaryButton"));
+  styleCancelButton();
   if (!request.button.isEmpty()) setLabelText(QFileDialog::Accept, request.button);
+}
+
+void PathChooser::styleCancelButton() {
+  auto* buttons = findChild<QDialogButtonBox*>();
+  QPushButton* cancel = buttons ? buttons->button(QDialogButtonBox::Cancel) : nullptr;
+  if (!cancel) return;
+  cancel->setObjectName(QStringLiteral("secondaryButton"));
+  // The style has looked at the name already.
+  style()->unpolish(cancel);
+  style()->polish(cancel);
 }
 
 QString PathChooser::chosenPath() const {

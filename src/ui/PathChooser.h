@@ -20,6 +20,8 @@ class PathChooser : public QFileDialog {
   void accept() override;
 
  private:
+  void styleCancelButton();
+
   PathRequest::Kind _kind;
 };
 
