@@ -33,7 +33,7 @@ SplashPlaces splashPlaces(bool withMark) {
 
 QImage firstImageThatLoads(const QStringList& files) {
   for (const QString& file : files) {
-    const QImage image(file);
+    QImage image(file);
     if (!image.isNull()) return image;
   }
   return {};

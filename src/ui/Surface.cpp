@@ -15,6 +15,7 @@ constexpr double kCardBorderWidth = 1;
 constexpr Shadow kCardShadow{0.08, 8, {0, 2}};
 // No shadow of this application reaches further than this beyond its shape.
 constexpr int kShadowReach = 12;
+constexpr double kLayerStep = 0.5;
 
 // Share of the full opacity at `distance` (-radius inside to +radius outside) from the shape's edge: the
 // S-curve that a blurred edge has.
@@ -59,9 +60,10 @@ void paintShadow(QPainter& painter, const QRectF& shape, double cornerRadius, co
   painter.save();
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setPen(Qt::NoPen);
-  const double step = 0.5;
+  const int layers = static_cast<int>(std::ceil(2 * shadow.radius / kLayerStep));
   double laidDown = 0;
-  for (double distance = shadow.radius; distance > -shadow.radius; distance -= step) {
+  for (int i = 0; i < layers; ++i) {
+    const double distance = shadow.radius - i * kLayerStep;
     const double wanted = shadow.opacity * shadowStrength(distance, shadow.radius);
     // Each layer adds what is still missing at its distance, given the layers already below it.
     const double layer = (wanted - laidDown) / (1 - laidDown);

@@ -25,21 +25,15 @@ constexpr int kTagStep = 52;
 // Full widths, from left to right: camera, readiness | storage, backup, counter.
 constexpr std::array<int, 5> kCardWidths{190, 168, 130, 130, 92};
 
-int widthOfCards(const std::array<int, 5>& widths) {
-  int sum = 0;
-  for (const int width : widths)
-    sum += width;
-  return sum;
-}
+constexpr int kFullWidthOfCards = 190 + 168 + 130 + 130 + 92;
 
 // The card widths for the room between the left margin and the square buttons.
 std::array<int, 5> cardWidths(int room) {
   const int gaps = 4 * kCardGap;
-  const int full = widthOfCards(kCardWidths);
-  if (room >= full + gaps) return kCardWidths;
+  if (room >= kFullWidthOfCards + gaps) return kCardWidths;
   std::array<int, 5> widths{};
   for (std::size_t i = 0; i < widths.size(); ++i)
-    widths[i] = std::max(1, kCardWidths[i] * (room - gaps) / full);
+    widths[i] = std::max(1, kCardWidths[i] * (room - gaps) / kFullWidthOfCards);
   return widths;
 }
 

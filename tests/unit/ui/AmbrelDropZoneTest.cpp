@@ -110,7 +110,7 @@ TEST_F(AmbrelDropZoneTest, DrawsADashedBorder16PointsInside) {
   int red = 0;
   for (int x = 100; x < 300; ++x)
     red += picture.pixelColor(x, 16) == QColor(Qt::red) ? 1 : 0;
-  EXPECT_NEAR(red, 200 * 8 / 14, 15);
+  EXPECT_NEAR(red, 200.0 * 8 / 14, 15);
 }
 
 TEST_F(AmbrelDropZoneTest, SpeaksOfDropsOnlyWhenItTakesThem) {
