@@ -7,6 +7,7 @@
 #include <QDirIterator>
 #include <QFile>
 #include <gtest/gtest.h>
+#include <iostream>
 
 namespace ambrel {
 
@@ -16,6 +17,7 @@ LiveSession::LiveSession() : locations(Locations::below(folder.filePath("home"))
   app = std::make_unique<AmbrelAppDelegate>(clock, operatorSeam, files, link,
                                             Surroundings{locations, Bundle(AMBREL_BUNDLE), [](qint64) {}});
   QObject::connect(&link, &WorkerLink::blockArrived, app.get(), [this](const QByteArray& block) {
+    _transcript += block;
     if (block.startsWith("ERROR|")) errors.append(QString::fromUtf8(block.mid(6)).trimmed());
     if (block.startsWith("DOWNLOADED|")) reported.append(QString::fromUtf8(block.mid(11)).trimmed());
   });
@@ -62,7 +64,10 @@ void LiveSession::shoot(const std::string& arguments, std::size_t count) {
 bool LiveSession::waitUntil(const std::function<bool()>& done, std::chrono::seconds limit) {
   const QDeadlineTimer deadline(limit);
   while (!done()) {
-    if (deadline.hasExpired()) return false;
+    if (deadline.hasExpired()) {
+      std::cerr << "The worker said:\n" << _transcript.toStdString();
+      return false;
+    }
     QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
   }
   return true;

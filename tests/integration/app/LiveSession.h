@@ -29,7 +29,7 @@ class LiveSession {
   // Presses the shutter and waits until that many more photos are filed.
   void shoot(const std::string& arguments = {}, std::size_t files = 1);
   // Serves events until `done`, at most `limit`; whether it came to pass.
-  bool waitUntil(const std::function<bool()>& done, std::chrono::seconds limit = std::chrono::seconds(20));
+  bool waitUntil(const std::function<bool()>& done, std::chrono::seconds limit = std::chrono::seconds(60));
 
   struct Filed {
     QString path;
@@ -51,6 +51,9 @@ class LiveSession {
   bool watched = false;  // the worker has said that it watches; a test that cuts the link clears it
   QStringList errors;    // what the worker complained of
   QStringList reported;  // every path that the worker said it had downloaded
+
+ private:
+  QByteArray _transcript;  // what the worker said, for the one who reads a failed test
 };
 
 }  // namespace ambrel

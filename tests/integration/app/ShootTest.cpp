@@ -61,7 +61,7 @@ TEST(Shoot, FilesTwentyPhotosOverThreeNamesWithTheCablePulledInATransfer) {
 }
 
 // Everything that an operator and bad luck do to a session, and then every photo is accounted for: filed once
-// with its bytes, or still on the card.
+// with its bytes, or still on the card, or lost from the camera's own memory with an error that said so.
 TEST(Shoot, AccountsForEveryPhotoThroughTagsCutsSaveModesReconnectsAndKills) {
   LiveSession session;
   session.app->tags().loadSuffixes();
