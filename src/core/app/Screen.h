@@ -14,7 +14,7 @@ struct ControlStates {
   bool exportEnabled = false;
   int saveModeIndex = 0;  // 0 both, 1 disk, 2 card
   bool autoConnect = true;
-  CameraPill pill;
+  CameraPill pill = {};
   bool operator==(const ControlStates&) const = default;
 };
 
