@@ -33,6 +33,7 @@ class ByteWriter {
   ByteWriter& array16(std::span<const std::uint16_t> items);
   ByteWriter& array32(std::span<const std::uint32_t> items);
 
+  void reserve(std::size_t bytes) { _bytes.reserve(bytes); }
   std::size_t size() const { return _bytes.size(); }
   const Bytes& bytes() const { return _bytes; }
   Bytes take() { return std::move(_bytes); }

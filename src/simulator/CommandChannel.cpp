@@ -9,7 +9,11 @@ namespace {
 
 constexpr std::uint32_t kDataFromHost = 2;
 
-void append(Bytes& out, const Bytes& more) {
+void append(Bytes& out, Bytes more) {
+  if (out.empty()) {
+    out = std::move(more);
+    return;
+  }
   out.insert(out.end(), more.begin(), more.end());
 }
 

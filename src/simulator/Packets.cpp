@@ -69,14 +69,19 @@ Bytes encode_response(Response code, std::uint32_t transaction, std::span<const 
 }
 
 Bytes encode_data_phase(std::uint32_t transaction, ByteView data) {
+  // Photos are large: each byte is copied once here, and no block on its own.
+  constexpr std::size_t kBlockHeader = PacketReader::kHeaderBytes + 4;
   ByteWriter out;
+  out.reserve(data.size() + (data.size() / kDataBlock + 2) * (kBlockHeader + 8));
   out.raw(encode_packet(PacketType::startData, ByteWriter().u32(transaction).u64(data.size()).bytes()));
-  while (data.size() > kDataBlock) {
-    const ByteView block = data.first(kDataBlock);
-    out.raw(encode_packet(PacketType::data, ByteWriter().u32(transaction).raw(block).bytes()));
-    data = data.subspan(kDataBlock);
+  PacketType type = PacketType::data;
+  while (type != PacketType::endData) {
+    const ByteView block = data.first(std::min(data.size(), kDataBlock));
+    data = data.subspan(block.size());
+    if (data.empty()) type = PacketType::endData;
+    out.u32(static_cast<std::uint32_t>(kBlockHeader + block.size())).u32(static_cast<std::uint32_t>(type));
+    out.u32(transaction).raw(block);
   }
-  out.raw(encode_packet(PacketType::endData, ByteWriter().u32(transaction).raw(data).bytes()));
   return out.take();
 }
 

@@ -27,7 +27,7 @@ using simulator::Response;
 
 namespace {
 
-constexpr int kPatienceMs = 5000;
+constexpr int kPatienceMs = 20000;
 // With an idle function the other end runs in this thread: it is served as often as we look.
 constexpr int kLookMs = 1;
 

@@ -14,7 +14,7 @@
 namespace ambrel {
 
 // A TCP connection to a port on 127.0.0.1 that never blocks for ever: while it waits it calls `idle`, if
-// there is one, and gives up after five seconds.
+// there is one, and gives up after twenty seconds.
 class LoopbackConnection {
  public:
   explicit LoopbackConnection(std::uint16_t port, std::function<void()> idle = {});
@@ -23,8 +23,8 @@ class LoopbackConnection {
   // False once the other end does not take it any more.
   bool send(simulator::ByteView bytes);
   // The next packet, or nothing if the other end has closed, or stays silent for `patienceMs`.
-  std::optional<simulator::Packet> packet(int patienceMs = 5000);
-  // Waits until the other end has closed; false if it does not within five seconds.
+  std::optional<simulator::Packet> packet(int patienceMs = 20000);
+  // Waits until the other end has closed; false if it does not within twenty seconds.
   bool waitClosed();
   // Ends the connection: in order, or torn down.
   void close() { _socket.reset(); }

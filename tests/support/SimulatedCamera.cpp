@@ -25,7 +25,7 @@ namespace ambrel {
 
 namespace {
 
-constexpr std::chrono::seconds kLongestWait{10};
+constexpr std::chrono::seconds kLongestWait{30};
 
 [[noreturn]] void fail(const std::string& what) {
   throw std::runtime_error("simulated camera: " + what);

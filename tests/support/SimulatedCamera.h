@@ -16,13 +16,13 @@ struct SimulatedPhoto {
   std::uint64_t size = 0;
   std::string sha256;  // lower-case hexadecimal
   unsigned shot = 0;
-  std::string place;  // "card" or "host"
+  std::string place;   // "card" or "host"
   unsigned asked = 0;  // how often a host asked for the last byte
   bool deleted = false;
 };
 
 // The program ambrel_sim_camera for the time of a test. What goes wrong in talking to it is thrown as
-// std::runtime_error, which fails the test with its text; every answer is waited for at most ten seconds.
+// std::runtime_error, which fails the test with its text; every answer is waited for at most thirty seconds.
 class SimulatedCamera {
  public:
   // `arguments` as --help of the program explains them. Returns when a host may connect.

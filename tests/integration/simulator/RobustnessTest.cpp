@@ -147,7 +147,7 @@ TEST_F(Robustness, OutlivesPacketsThatClaimToBeEndless) {
 }
 
 TEST_F(Robustness, OutlivesHostsThatLeaveWithinATransfer) {
-  _camera.command("shoot n=1 size=8000000");
+  _camera.command("shoot n=1 size=5000000");
   const std::size_t before = descriptors();
   for (int round = 0; round < 50; ++round) {
     PtpIpHost host(_camera.port());
@@ -162,7 +162,7 @@ TEST_F(Robustness, OutlivesHostsThatLeaveWithinATransfer) {
 }
 
 TEST_F(Robustness, AnswersOthersWhileOneHostDoesNotRead) {
-  _camera.command("shoot n=1 size=50000000");
+  _camera.command("shoot n=1 size=16000000");
   PtpIpHost host(_camera.port());
   ASSERT_TRUE(host.openSession());
   const Bytes body = ByteWriter().u32(1).u16(0x1009).u32(2).u32(0x91900002).take();
