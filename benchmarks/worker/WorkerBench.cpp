@@ -22,10 +22,10 @@ namespace {
 using namespace ambrel;
 using std::chrono::milliseconds;
 
-constexpr int kShots = 20;
+constexpr int kShots = 11;
 constexpr double kMostTimesPeer = 1.05;
 constexpr double kMostIdlePercent = 2.0;
-constexpr milliseconds kIdleMeasured{8000};
+constexpr milliseconds kIdleMeasured{5000};
 
 // Both programs look for photos in turns. Photos at ever other points of a turn show them as they are.
 void pauseBeforeShot(int shot) {

@@ -46,8 +46,8 @@ class PhotoSink {
 };
 
 // One camera at a time. Order of use: find, open, confirmSaveMode; then the rest any number of times; then
-// close. After a failure other than Busy, CutShort and Local only close is legal, and find starts anew. No
-// call deletes or changes anything on the camera's card.
+// close. After a failure other than Busy, CutShort and Local only close and abandon are legal, and find starts
+// anew. No call deletes or changes anything on the camera's card.
 class Camera {
  public:
   virtual ~Camera() = default;
@@ -68,6 +68,8 @@ class Camera {
   virtual Outcome<std::vector<CameraFile>> newestCardFolder() = 0;
   // Ends the session, if there is one.
   virtual void close() = 0;
+  // The same for a camera that is lost: it is not waited for.
+  virtual void abandon() = 0;
 };
 
 }  // namespace ambrel::camera

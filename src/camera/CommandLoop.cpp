@@ -124,7 +124,7 @@ void CommandLoop::connect(const std::string& modeWord) {
     const bool inUse = failure.kind == Failure::Kind::InUse || failure.kind == Failure::Kind::Busy;
     // Both are texts that the application knows and answers by trying again.
     const std::string what = inUse ? "camera busy (0x000000C0)" : "camera not detected";
-    _camera.close();
+    _camera.abandon();
     say(Message::Kind::Error, what + ": " + failure.reason);
     return;
   }
@@ -362,9 +362,9 @@ void CommandLoop::lost(const std::string& reason) {
   if (_state == State::Watching && _saveMode == SaveMode::Disk) {
     say(Message::Kind::Error, "camera lost: a photo taken in the last moment may be gone with it");
   }
-  _camera.close();
   _state = State::NoCamera;
   say(Message::Kind::Disconnected);
+  _camera.abandon();
 }
 
 void CommandLoop::say(Message::Kind kind, const std::string& payload) {

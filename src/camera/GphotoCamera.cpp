@@ -338,6 +338,13 @@ Outcome<std::vector<std::string>> GphotoCamera::names(const std::string& folder,
   return found;
 }
 
+// The library takes leave of a camera that has gone silent for five seconds; of a connection that has ended,
+// for none.
+void GphotoCamera::abandon() {
+  if (_camera) endInternetSocketsBut(_ourSockets);
+  close();
+}
+
 void GphotoCamera::close() {
   if (!_camera) return;
   const Watchdog::Deadline deadline(_watchdog, "closing the session", kCallLimit);

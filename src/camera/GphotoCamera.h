@@ -53,6 +53,7 @@ class GphotoCamera : public Camera {
   Outcome<std::uint64_t> cardFreeKib() override;
   Outcome<std::vector<CameraFile>> newestCardFolder() override;
   void close() override;
+  void abandon() override;
 
  private:
   Outcome<CameraFile> withSize(const std::string& folder, const std::string& name);

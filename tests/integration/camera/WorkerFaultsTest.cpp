@@ -43,7 +43,7 @@ TEST_P(WorkerLoss, IsHealedByTheNextConnect) {
 TEST_P(WorkerLoss, WithoutATransferIsReported) {
   watch();
   camera.command(std::string("cable in=0 how=") + GetParam());
-  EXPECT_LE(timeOf([&] { worker->waitFor("DISCONNECTED|"); }), seconds(8));
+  EXPECT_LE(timeOf([&] { worker->waitFor("DISCONNECTED|"); }), seconds(4));
   EXPECT_EQ(worker->count("ERROR|"), 0);
 }
 

@@ -42,28 +42,30 @@ class WorkerRandomFaults : public WorkerSession, public ::testing::WithParamInte
     switch (below(10)) {
       case 0:
       case 1:
-        camera.command("drop" + how + after);
-        break;
+        return inject("drop" + how + after);
       case 2:
       case 3:
-        camera.command("cable in=0" + how + after);
-        break;
+        return inject("cable in=0" + how + after);
       case 4:
-        if (below(4) == 0) camera.command("cable in=0 how=freeze" + after);
-        break;
+        if (below(4) == 0) inject("cable in=0 how=freeze" + after);
+        return;
       case 5:
       case 6:
-        camera.command("busy n=" + std::to_string(1 + below(4)));
-        break;
+        return inject("busy n=" + std::to_string(1 + below(4)));
       case 7:
-        if (hasCard) camera.command("card in=0");
-        break;
+        if (hasCard) inject("card in=0");
+        return;
       case 8:
         killed = true;
-        break;
+        return;
       default:
-        break;
+        return;
     }
+  }
+
+  void inject(const std::string& command) {
+    fault = command;
+    camera.command(command);
   }
 
   void shoot() {
@@ -95,7 +97,8 @@ class WorkerRandomFaults : public WorkerSession, public ::testing::WithParamInte
       const bool wasReported = reported.count(photos[i].sha256) > 0;
       const bool onCard = photos[i].place == "card" && !photos[i].deleted;
       const bool excused = killed || failed;
-      EXPECT_TRUE(wasReported || onCard || excused) << photos[i].name << " is lost without a word";
+      EXPECT_TRUE(wasReported || onCard || excused) << photos[i].name << " is lost without a word; " << fault
+                                                    << "; the worker said\n  " << heardThisRound;
       ++(wasReported ? kept : onCard ? leftOnCard : lost);
     }
     accounted = photos.size();
@@ -116,6 +119,7 @@ class WorkerRandomFaults : public WorkerSession, public ::testing::WithParamInte
   }
 
   void hear(const std::string& line) {
+    heardThisRound += line + "\n  ";
     if (line.starts_with("DISCONNECTED|")) watching = false;
     if (line.starts_with("ERROR|")) failed = true;
     if (!line.starts_with("DOWNLOADED|")) return;
@@ -130,6 +134,8 @@ class WorkerRandomFaults : public WorkerSession, public ::testing::WithParamInte
   bool watching = false;
   bool killed = false;  // this round: the worker, by us
   bool failed = false;  // this round: the worker said so
+  std::string fault;    // the last command that broke something
+  std::string heardThisRound;
   std::set<std::string> reported;
   std::size_t accounted = 0;
   int kept = 0;
@@ -143,6 +149,7 @@ TEST_P(WorkerRandomFaults, LeaveEveryPhotoAccountedFor) {
   for (int round = 0; round < rounds; ++round) {
     killed = false;
     failed = false;
+    heardThisRound.clear();
     bringUp();
     if (HasFatalFailure()) return;
     breakSomething();

@@ -88,6 +88,7 @@ class FakeCamera : public Camera {
   Outcome<std::uint64_t> cardFreeKib() override;
   Outcome<std::vector<CameraFile>> newestCardFolder() override;
   void close() override { sessionOpen = false; }
+  void abandon() override { sessionOpen = false; }
 
  private:
   struct Happening {
