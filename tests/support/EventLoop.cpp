@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QTimer>
 #include <algorithm>
+#include <fstream>
 
 namespace ambrel {
 
@@ -18,14 +19,30 @@ bool runEventsUntil(const std::function<bool()>& condition, std::chrono::millise
   return true;
 }
 
-Heartbeat::Heartbeat() {
+namespace {
+
+// How long this thread was ready to run and another had the core, where the system tells.
+std::chrono::nanoseconds timeKeptFromRunning() {
+  std::ifstream schedule("/proc/thread-self/schedstat");
+  long long ran = 0;
+  long long waited = 0;
+  schedule >> ran >> waited;
+  return std::chrono::nanoseconds(waited);
+}
+
+}  // namespace
+
+Heartbeat::Heartbeat() : _waitedAtLastBeat(timeKeptFromRunning()) {
   startTimer(std::chrono::milliseconds(1), Qt::PreciseTimer);
 }
 
 void Heartbeat::timerEvent(QTimerEvent*) {
   const auto now = std::chrono::steady_clock::now();
-  _longestGap = std::max(_longestGap, std::chrono::duration_cast<std::chrono::milliseconds>(now - _lastBeat));
+  const auto waited = timeKeptFromRunning();
+  const auto away = (now - _lastBeat) - (waited - _waitedAtLastBeat);
+  _longestGap = std::max(_longestGap, std::chrono::duration_cast<std::chrono::milliseconds>(away));
   _lastBeat = now;
+  _waitedAtLastBeat = waited;
 }
 
 }  // namespace ambrel

@@ -11,7 +11,8 @@ namespace ambrel {
 bool runEventsUntil(const std::function<bool()>& condition,
                     std::chrono::milliseconds limit = std::chrono::seconds(20));
 
-// Beats once in a millisecond and remembers the longest time that the event loop was away.
+// Beats once in a millisecond and remembers the longest time that the event loop was away, less the time in
+// which other programs had the core: what else the machine does must not decide.
 class Heartbeat : public QObject {
  public:
   Heartbeat();
@@ -22,6 +23,7 @@ class Heartbeat : public QObject {
 
  private:
   std::chrono::steady_clock::time_point _lastBeat = std::chrono::steady_clock::now();
+  std::chrono::nanoseconds _waitedAtLastBeat;
   std::chrono::milliseconds _longestGap{0};
 };
 
