@@ -8,5 +8,6 @@ extern "C" int dlclose(void*) noexcept {
 
 extern "C" const char*
 __lsan_default_suppressions() {  // NOLINT(bugprone-reserved-identifier): the checker's name
-  return "leak:libgphoto2\nleak:libltdl\nleak:/ptp2.so\nleak:/ptpip.so\nleak:/usb1.so\nleak:/libexif\n";
+  return "leak:libgphoto2\nleak:libltdl\nleak:libusb-1.0\nleak:/ptp2.so\nleak:/ptpip.so\nleak:/"
+         "usb1.so\nleak:/libexif\n";
 }
