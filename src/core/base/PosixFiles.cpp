@@ -185,7 +185,7 @@ Result<Destination> destinationAt(FileSystemCalls& calls, const QByteArray& path
 
 // What a file system answers that has no exclusive rename, or no second names for a file.
 bool isUnsupported(int error) {
-  return error == EINVAL || error == ENOSYS || error == ENOTSUP || error == EOPNOTSUPP || error == EPERM ||
+  return error == EINVAL || error == ENOSYS || error == ENOTSUP || error == EPERM ||
          error == EMLINK || error == ENOTTY;
 }
 

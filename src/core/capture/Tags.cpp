@@ -42,7 +42,7 @@ Accessory editorFields(const std::vector<Tag>& tags) {
 std::vector<Tag> editedTags(const QStringList& texts, const std::vector<Tag>& before) {
   std::vector<Tag> tags;
   for (std::size_t row = 0; row < Tags::kMaxTags; ++row) {
-    const auto field = static_cast<qsizetype>(2 * row);
+    const auto field = 2 * static_cast<qsizetype>(row);
     const QString label = NSTrim(texts.value(field));
     if (label.isEmpty()) continue;
     tags.push_back({label, NSTrim(texts.value(field + 1)), row < before.size() && before[row].on});

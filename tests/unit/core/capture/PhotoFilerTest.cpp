@@ -73,9 +73,8 @@ TEST_F(PhotoFilerTest, FilesANameThatIsNoValidTextAsUntitled) {
 }
 
 TEST_F(PhotoFilerTest, FilesNamesOfAnyScriptByteForByte) {
-  for (const char* text : {"José", "Jose\xcc\x81", "李小龙", "🙂", "%1 %2", "-rf",
-                           "\xe2\x80\xae"
-                           "evil"}) {
+  const char* const rightToLeft = "\u202eevil";
+  for (const char* text : {"José", "Jose\xcc\x81", "李小龙", "🙂", "%1 %2", "-rf", rightToLeft}) {
     name = text;
     file(download("IMG.JPG", text));
     EXPECT_EQ(read(inTarget(filed.back().path)), text);

@@ -115,7 +115,7 @@ TEST_F(GridFileTest, ReadsALineOf100MegabytesWithoutALineEnd) {
   const std::optional<Rows> rows = readFirstColumn(file(bytes));
   ASSERT_TRUE(rows);
   ASSERT_EQ(rows->size(), 1u);
-  EXPECT_EQ(rows->front().front(), std::string(99'999'998, 'x'));
+  EXPECT_EQ(rows->front().front(), bytes.mid(2).toStdString());
   EXPECT_EQ(readFirstColumn(file(bytes.mid(2))), Rows{});
 }
 
