@@ -185,8 +185,8 @@ Result<Destination> destinationAt(FileSystemCalls& calls, const QByteArray& path
 
 // What a file system answers that has no exclusive rename, or no second names for a file.
 bool isUnsupported(int error) {
-  return error == EINVAL || error == ENOSYS || error == ENOTSUP || error == EPERM ||
-         error == EMLINK || error == ENOTTY;
+  return error == EINVAL || error == ENOSYS || error == ENOTSUP || error == EPERM || error == EMLINK ||
+         error == ENOTTY;
 }
 
 // Takes the name with an empty file or folder that nothing can have made before, then renames onto that.

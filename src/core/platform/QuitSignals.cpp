@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/platform/QuitSignals.h"
 
-#include <signal.h>
-#include <unistd.h>
-
 #include <QSocketNotifier>
 #include <array>
 #include <atomic>
+#include <signal.h>
+#include <unistd.h>
 
 namespace ambrel {
 namespace {
@@ -25,7 +24,8 @@ void installHandler(void (*handler)(int)) {
   struct sigaction action = {};
   action.sa_handler = handler;
   action.sa_flags = SA_RESTART;
-  for (const int number : kSignals) ::sigaction(number, &action, nullptr);
+  for (const int number : kSignals)
+    ::sigaction(number, &action, nullptr);
 }
 
 }  // namespace

@@ -10,8 +10,9 @@ class QSocketNotifier;
 
 namespace ambrel {
 
-// Turns the system's requests to end (SIGTERM, SIGINT, SIGHUP) into a signal on the event loop, so that they run
-// through the same shut-down as closing the window. One object at a time; without one the default holds again.
+// Turns the system's requests to end (SIGTERM, SIGINT, SIGHUP) into a signal on the event loop, so that they
+// run through the same shut-down as closing the window. One object at a time; without one the default holds
+// again.
 class QuitSignals : public QObject {
   Q_OBJECT
  public:

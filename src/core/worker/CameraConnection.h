@@ -95,7 +95,7 @@ class CameraConnection : public QObject {
  Q_SIGNALS:
   void downloaded(const QString& path);
   void watchingConfirmed();  // from now on the worker fetches every photo that is taken
-  void connectStarted();  // warnings that show once per connection are due again
+  void connectStarted();     // warnings that show once per connection are due again
   void controlsStale();
   void pillChanged();
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/app/CommandLine.h"
-
 #include <gtest/gtest.h>
+
+#include "core/app/CommandLine.h"
 
 using namespace ambrel;
 using Task = CommandLine::Task;

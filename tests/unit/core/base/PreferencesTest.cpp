@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/base/Preferences.h"
-
 #include <QDir>
 #include <QFile>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+
+#include "core/base/Preferences.h"
 
 namespace ambrel {
 namespace {
@@ -99,13 +99,18 @@ TEST_F(PreferencesTest, StoresEveryValueUnderItsOwnKey) {
     preferences.setSuffixes({QVariantMap{}});
   }
   const QStringList keys = QSettings(path(), QSettings::IniFormat).allKeys();
-  const QStringList expected = {
-      QStringLiteral("AmbrelAutoConnectV2"),        QStringLiteral("AmbrelBackupDir"),
-      QStringLiteral("AmbrelBackupEnabled"),        QStringLiteral("AmbrelBackupHost"),
-      QStringLiteral("AmbrelBackupMAC"),            QStringLiteral("AmbrelBackupShareURL"),
-      QStringLiteral("AmbrelLastCSVPath"),          QStringLiteral("AmbrelLastCounterValue"),
-      QStringLiteral("AmbrelLastSelectedRowIndex"), QStringLiteral("AmbrelLastTargetDir"),
-      QStringLiteral("AmbrelLastUpdateCheck"),      QStringLiteral("AmbrelSuffixes")};
+  const QStringList expected = {QStringLiteral("AmbrelAutoConnectV2"),
+                                QStringLiteral("AmbrelBackupDir"),
+                                QStringLiteral("AmbrelBackupEnabled"),
+                                QStringLiteral("AmbrelBackupHost"),
+                                QStringLiteral("AmbrelBackupMAC"),
+                                QStringLiteral("AmbrelBackupShareURL"),
+                                QStringLiteral("AmbrelLastCSVPath"),
+                                QStringLiteral("AmbrelLastCounterValue"),
+                                QStringLiteral("AmbrelLastSelectedRowIndex"),
+                                QStringLiteral("AmbrelLastTargetDir"),
+                                QStringLiteral("AmbrelLastUpdateCheck"),
+                                QStringLiteral("AmbrelSuffixes")};
   EXPECT_EQ(keys, expected);
 }
 

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/base/WriteBehind.h"
-
-#include <gtest/gtest.h>
-
 #include <atomic>
+#include <gtest/gtest.h>
 #include <latch>
+
+#include "core/base/WriteBehind.h"
 
 namespace ambrel {
 namespace {

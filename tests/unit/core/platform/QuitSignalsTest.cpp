@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/platform/QuitSignals.h"
-
+#include <QCoreApplication>
 #include <gtest/gtest.h>
 #include <signal.h>
 
-#include <QCoreApplication>
+#include "core/platform/QuitSignals.h"
 
 using namespace ambrel;
 
@@ -27,7 +26,9 @@ TEST(QuitSignals, AsksToQuitOnTheEventLoop) {
   EXPECT_EQ(requestsAfter({SIGHUP}), 1);
 }
 
-TEST(QuitSignals, AsksAgainAtEachSignal) { EXPECT_EQ(requestsAfter({SIGTERM, SIGINT}), 2); }
+TEST(QuitSignals, AsksAgainAtEachSignal) {
+  EXPECT_EQ(requestsAfter({SIGTERM, SIGINT}), 2);
+}
 
 TEST(QuitSignalsDeathTest, LeavesTheDefaultBehindWhenItGoes) {
   { const QuitSignals quitSignals; }
