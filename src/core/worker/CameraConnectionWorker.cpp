@@ -75,6 +75,8 @@ void CameraConnection::workerExited(bool wasCurrent) {
   switch (exitReaction(_flags)) {
     case ExitReaction::RestartWorker:
       _flags.restartingWorkerForConnect = false;
+      // What the old worker still said while it ended may have answered the wish for a connection.
+      _flags.pendingConnect = true;
       startWorkerIfNeeded();
       break;
     case ExitReaction::ConnectionLost:

@@ -124,6 +124,20 @@ TEST_F(CameraConnectionTest, RestartsAWorkerThatHasNoCamera) {
   EXPECT_EQ(commands(), (Lines{"CONNECT|both"}));
 }
 
+TEST_F(CameraConnectionTest, ConnectsTheNewWorkerWhateverTheOldOneSaidWhileItEnded) {
+  for (const char* lastWords : {"READY|OK", "CONNECTED|"}) {
+    SCOPED_TRACE(lastWords);
+    connection.connectCameraManual();
+    connection.connectCameraManual();
+    link.say(lastWords);
+    commands();
+    link.exit();
+    link.say("READY|OK");
+    EXPECT_EQ(commands(), (Lines{"CONNECT|both"}));
+    link.exit();
+  }
+}
+
 TEST_F(CameraConnectionTest, WaitsForAWorkerThatIsSlowToEnd) {
   connectPending();
   connection.connectCameraManual();
