@@ -95,7 +95,8 @@ void measureStore(Goals& goals, const QString& folder) {
     require(loaded == grid.rows(), "the store does not hold the list");
   }
   std::printf("list store, %d rows, %.1f MB\n", kRows, static_cast<double>(ready.size()) / kMegabyte);
-  goals.atMostTimes("one row changed, store written and flushed", median(whole), "ready buffer + flush", median(limit), 1.3);
+  goals.atMostTimes("one row changed, store written and flushed", median(whole), "ready buffer + flush",
+                    median(limit), 1.3);
   goals.atMost("flushes on the main thread", files.flushedOnMain ? 1 : 0, 0, "");
   goals.mention("  of that on the main thread", median(onMain));
   goals.mention("  QTextStream + QSaveFile", median(textStream));

@@ -24,10 +24,9 @@ constexpr const char* kBackupHost = "AmbrelBackupHost";                      // 
 constexpr const char* kLastUpdateCheck = "AmbrelLastUpdateCheck";            // date
 constexpr const char* kSuffixes = "AmbrelSuffixes";                          // list of maps
 
-constexpr std::array kKeys = {kLastCSVPath,      kLastTargetDir, kLastSelectedRowIndex,
-                              kLastCounterValue, kAutoConnect,   kBackupDir,
-                              kBackupEnabled,    kBackupShareURL, kBackupMAC,
-                              kBackupHost,       kLastUpdateCheck, kSuffixes};
+constexpr std::array kKeys = {kLastCSVPath, kLastTargetDir, kLastSelectedRowIndex, kLastCounterValue,
+                              kAutoConnect, kBackupDir,     kBackupEnabled,        kBackupShareURL,
+                              kBackupMAC,   kBackupHost,    kLastUpdateCheck,      kSuffixes};
 
 constexpr auto kYes = "true";
 constexpr auto kNo = "false";
