@@ -11,7 +11,7 @@ namespace ambrel {
 namespace {
 
 constexpr std::size_t kStoreCells = 4;
-constexpr std::size_t kReadAtOnce = 256 * 1024;
+constexpr std::size_t kReadAtOnce = std::size_t{256} * 1024;
 
 // Every line after the first. False when the file cannot be opened, or not be read to its end.
 bool forEachRowLine(const QString& path, const std::function<void(std::string_view line)>& visit) {

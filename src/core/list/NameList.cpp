@@ -242,7 +242,7 @@ void NameList::markCaptureForRow(qint64 modelRow) {
 }
 
 QString NameList::nameColumnTitle() const {
-  const QString base = nameColumnBaseTitle(_rule.sortMode);
+  QString base = nameColumnBaseTitle(_rule.sortMode);
   if (_grid.isEmpty()) return base;
   return QStringLiteral("%1      %2 name%3")
       .arg(base)
