@@ -3,6 +3,7 @@
 
 #include <QFileInfo>
 #include <QThread>
+#include <future>
 #include <memory>
 
 #include "core/base/Text.h"
@@ -76,11 +77,11 @@ void ListTransfer::exportGrid() {
 void ListTransfer::exportTo(const QString& path) {
   const qint64 rows = _list.grid().rowCount();
   const QByteArray bytes = writeGrid(_list.grid().rows(), GridColumns::NamesAndNotes);
-  const auto written = std::make_shared<Result<void>>();
+  const auto written = std::make_shared<std::promise<Result<void>>>();
   QThread* writer = QThread::create(
-      [&files = _files, path, bytes, written] { *written = files.replaceWhole(path, bytes); });
+      [&files = _files, path, bytes, written] { written->set_value(files.replaceWhole(path, bytes)); });
   connect(writer, &QThread::finished, this,
-          [this, written, path, rows] { reportExport(*written, path, rows); });
+          [this, written, path, rows] { reportExport(written->get_future().get(), path, rows); });
   connect(writer, &QThread::finished, writer, &QObject::deleteLater);
   writer->start();
 }
