@@ -16,5 +16,5 @@ int main(int argc, char** argv) {
 extern "C" const char* __tsan_default_suppressions();  // NOLINT(bugprone-reserved-identifier)
 
 const char* __tsan_default_suppressions() {  // NOLINT(bugprone-reserved-identifier)
-  return "race:QWaitCondition\n";
+  return "race:QWaitCondition\nrace:QCoreApplicationPrivate\nrace:QMetaObject::invokeMethodImpl\n";
 }
