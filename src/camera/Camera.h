@@ -46,8 +46,8 @@ class PhotoSink {
 };
 
 // One camera at a time. Order of use: find, open, confirmSaveMode; then the rest any number of times; then
-// close. After a failure other than Busy, CutShort and Local only close and abandon are legal, and find
-// starts anew. No call deletes or changes anything on the camera's card.
+// close. After a failure other than Busy and Local only close and abandon are legal, and find starts anew. No
+// call deletes or changes anything on the camera's card.
 class Camera {
  public:
   virtual ~Camera() = default;

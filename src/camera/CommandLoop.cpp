@@ -206,6 +206,7 @@ bool CommandLoop::pollCamera() {
     cameraFailed(event.failure());
     return false;
   }
+  _busyTold = false;
   handle(event.value());
   return event.value().kind != CameraEvent::Kind::Nothing;
 }
@@ -347,13 +348,17 @@ auto CommandLoop::patiently(Call call) -> decltype(call()) {
 }
 
 void CommandLoop::cameraFailed(const Failure& failure) {
-  if (failure.kind == Failure::Kind::Busy) return log("camera busy: " + failure.reason);
-  if (failure.kind == Failure::Kind::CutShort) {
-    say(Message::Kind::CaptureEvent);
-    return say(Message::Kind::Error,
-               "download failed: " + failure.reason + "; one photo may still be in the camera's memory");
-  }
+  if (failure.kind == Failure::Kind::Busy) return busy(failure.reason);
   lost(failure.reason);
+}
+
+// In mode "disk" a wait for events reads photos out of the camera's memory too, and one whose reading is
+// refused never comes again. Which of the two was refused, nobody tells.
+void CommandLoop::busy(const std::string& reason) {
+  if (std::exchange(_busyTold, true)) return;
+  log("camera busy: " + reason);
+  if (_state != State::Watching || _saveMode != SaveMode::Disk) return;
+  say(Message::Kind::Error, "the camera was busy: a photo taken just now may still be in its memory");
 }
 
 void CommandLoop::lost(const std::string& reason) {

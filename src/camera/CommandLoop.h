@@ -74,6 +74,7 @@ class CommandLoop {
   // Repeats a call for as long as the camera is busy, up to kBusyPatience.
   template <typename Call>
   auto patiently(Call call) -> decltype(call());
+  void busy(const std::string& reason);
   // Handles a failure that no photo is to blame for.
   void cameraFailed(const Failure& failure);
   void lost(const std::string& reason);
@@ -94,6 +95,7 @@ class CommandLoop {
   std::deque<protocol::Command>
       _waiting;  // commands that came during a camera operation and wait for its end
 
+  bool _busyTold = false;  // since the camera last answered
   CaptureLedger _ledger;
   Time _quietSince;                        // when a photo last came, or the card was last asked
   bool _announced = false;                 // a file, since the last exposure that was over

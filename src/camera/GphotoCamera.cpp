@@ -6,6 +6,7 @@
 #include <cstring>
 #include <utility>
 
+#include <gphoto2/gphoto2-port-log.h>
 #include <gphoto2/gphoto2-setting.h>
 
 #include "camera/Descriptors.h"
@@ -16,8 +17,6 @@ namespace {
 // The library polls the camera once and then sleeps for the rest of this; the pauses between are ours.
 constexpr int kEventWaitMs = 1;
 constexpr std::string_view kAnyUsb = "usb:";
-constexpr std::string_view kPartialObject = "Sending PTP_OC 0x101b";
-constexpr std::string_view kTransferComplete = "Sending PTP_OC 0x9117";
 constexpr std::string_view kCaptureTarget = "currentvalue of d11c is ";
 
 Failure failureFor(int error) {
@@ -62,6 +61,26 @@ bool contains(std::string_view text, std::string_view part) {
   return text.find(part) != std::string_view::npos;
 }
 
+// Where the camera itself says that it stores photos, the library tells its log only. While anybody listens
+// to that it prints every byte of a photo in hexadecimal, at a tenth of the speed; so not for longer than
+// needed.
+struct CaptureTargetTap {
+  CaptureTargetTap() : id(gp_log_add_func(GP_LOG_DEBUG, &CaptureTargetTap::hear, this)) {}
+  ~CaptureTargetTap() { gp_log_remove_func(id); }
+  CaptureTargetTap(const CaptureTargetTap&) = delete;
+  CaptureTargetTap& operator=(const CaptureTargetTap&) = delete;
+
+  static void hear(GPLogLevel, const char*, const char* text, void* tap) {
+    const std::string_view line(text);
+    const std::size_t at = line.find(kCaptureTarget);
+    if (at == std::string_view::npos) return;
+    static_cast<CaptureTargetTap*>(tap)->value = line.substr(at + kCaptureTarget.size());
+  }
+
+  std::string value;  // hexadecimal, empty until it was told
+  int id;
+};
+
 struct Transfer {
   PhotoSink& sink;
   Watchdog& watchdog;
@@ -88,27 +107,10 @@ int takeBytes(void* priv, unsigned char* data, std::uint64_t* length) {
 }  // namespace
 
 GphotoCamera::GphotoCamera(std::string port, Watchdog& watchdog, std::function<void(const std::string&)> log)
-    : _port(std::move(port)), _watchdog(watchdog), _log(std::move(log)), _context(gp_context_new()) {
-  _logId = gp_log_add_func(GP_LOG_DEBUG, &GphotoCamera::hearLibrary, this);
-}
+    : _port(std::move(port)), _watchdog(watchdog), _log(std::move(log)), _context(gp_context_new()) {}
 
 GphotoCamera::~GphotoCamera() {
   close();
-  gp_log_remove_func(_logId);
-}
-
-// Some of what we have to know the library tells its log only: that it reads a photo out of the camera's
-// memory within a wait for events, and where the camera itself says that it stores photos.
-void GphotoCamera::hearLibrary(GPLogLevel level, const char*, const char* text, void* camera) {
-  auto& self = *static_cast<GphotoCamera*>(camera);
-  const std::string_view line(text);
-  if (level == GP_LOG_ERROR) return self._log("libgphoto2: " + std::string(line));
-  if (line.starts_with(kPartialObject) || line.starts_with(kTransferComplete)) {
-    self._handingOver = true;
-    self._watchdog.feed();
-  }
-  const std::size_t target = line.find(kCaptureTarget);
-  if (target != std::string_view::npos) self._captureTarget = line.substr(target + kCaptureTarget.size());
 }
 
 Outcome<> GphotoCamera::load() {
@@ -149,7 +151,6 @@ Outcome<> GphotoCamera::open(SaveMode mode) {
   const Watchdog::Deadline deadline(_watchdog, "opening it", kCallLimit);
   _mode = mode;
   _listed = false;
-  _captureTarget.clear();
   // Read by the library when the session begins: the camera then goes straight to the right target.
   saveSetting("ptp2", "capturetarget", settingFor(mode));
   _ourSockets = openInternetSockets();
@@ -169,6 +170,7 @@ Outcome<> GphotoCamera::open(SaveMode mode) {
 
 Outcome<> GphotoCamera::confirmSaveMode(SaveMode mode) {
   const Watchdog::Deadline deadline(_watchdog, "setting where it saves", kCallLimit);
+  const CaptureTargetTap tap;
   _mode = mode;
   saveSetting("ptp2", "capturetarget", settingFor(mode));
   ::CameraWidget* held = nullptr;
@@ -179,7 +181,7 @@ Outcome<> GphotoCamera::confirmSaveMode(SaveMode mode) {
   if (result < GP_OK) return failureFor(result);
   Outcome<> set = setTarget(widget.get(), mode);
   // 4 is the host's memory, anything else a card or both.
-  if (!_captureTarget.empty()) _log("the camera says its capture target is " + _captureTarget);
+  if (!tap.value.empty()) _log("the camera says its capture target is " + tap.value);
   return set;
 }
 
@@ -210,16 +212,11 @@ Outcome<bool> GphotoCamera::hasCard() {
 
 Outcome<CameraEvent> GphotoCamera::waitForEvent() {
   const Watchdog::Deadline deadline(_watchdog, "waiting for a photo", kCallLimit);
-  _handingOver = false;
   CameraEventType type = GP_EVENT_TIMEOUT;
   void* data = nullptr;
   const int result = gp_camera_wait_for_event(_camera.get(), kEventWaitMs, &type, &data, _context.get());
   const std::unique_ptr<void, decltype(&std::free)> owned(data, &std::free);
-  if (result < GP_OK) {
-    Failure failure = failureFor(result);
-    if (_handingOver && failure.kind == Failure::Kind::Busy) failure.kind = Failure::Kind::CutShort;
-    return failure;
-  }
+  if (result < GP_OK) return failureFor(result);
   switch (type) {
     case GP_EVENT_TIMEOUT:
       return CameraEvent{};

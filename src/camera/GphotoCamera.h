@@ -8,8 +8,6 @@
 #include <set>
 #include <string>
 
-#include <gphoto2/gphoto2-port-log.h>
-
 #include "camera/Camera.h"
 #include "camera/Watchdog.h"
 
@@ -60,7 +58,6 @@ class GphotoCamera : public Camera {
   Outcome<std::vector<std::string>> names(const std::string& folder, bool folders);
   Outcome<> reopen();
   Outcome<> setTarget(::CameraWidget* widget, SaveMode mode);
-  static void hearLibrary(GPLogLevel level, const char* domain, const char* text, void* camera);
 
   std::string _port;
   Watchdog& _watchdog;
@@ -72,11 +69,8 @@ class GphotoCamera : public Camera {
   std::string _model;
   std::string _where;
   SaveMode _mode = SaveMode::Both;
-  int _logId = 0;
-  bool _handingOver = false;   // this call has begun to read a photo out of the camera's memory
-  std::string _captureTarget;  // the camera's own value, in hexadecimal; empty until it told
-  bool _listed = false;        // this session's listings are cached by the library from now on
-  std::set<int> _ourSockets;   // those that were open before the session
+  bool _listed = false;       // this session's listings are cached by the library from now on
+  std::set<int> _ourSockets;  // those that were open before the session
 };
 
 }  // namespace ambrel::camera

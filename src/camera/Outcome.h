@@ -14,7 +14,6 @@ struct Failure {
     Busy,      // the camera asks for patience; it may be asked again
     InUse,     // another program holds the camera
     NotFound,  // no camera there, or not one that answers
-    CutShort,  // a photo was being handed over and will not come again; the session goes on
     Lost,      // the session is over and the camera must be opened afresh
     Local,     // on this side: a file or folder that cannot be written
     Stopped    // we broke off the transfer ourselves

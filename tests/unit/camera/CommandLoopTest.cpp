@@ -387,16 +387,14 @@ TEST_F(CommandLoop, SaysThatALossInModeDiskMayHaveCostAPhoto) {
       (Lines{"ERROR|camera lost: a photo taken in the last moment may be gone with it", "DISCONNECTED|"}));
 }
 
-TEST_F(CommandLoop, SaysThatAPhotoWasCutShortInTheCamerasMemoryAndGoesOn) {
+TEST_F(CommandLoop, SaysOnceThatABusyCameraMayHaveCostAPhotoInModeDiskAndGoesOn) {
   watch("disk");
-  camera.eventFailures = {{Failure::Kind::CutShort, "I/O in progress (-110)"}};
+  camera.eventFailures = {kBusy, kBusy};
   camera.shoot(milliseconds(500), jpegInMemory("capt0000.jpg"), kJpeg);
   run();
-  EXPECT_EQ(
-      Lines(channel.said.begin() + 3, channel.said.end()),
-      (Lines{"CAPTURE_EVENT|",
-             "ERROR|download failed: I/O in progress (-110); one photo may still be in the camera's memory",
-             "CAPTURE_EVENT|", downloaded("capt0000.jpg")}));
+  EXPECT_EQ(Lines(channel.said.begin() + 3, channel.said.end()),
+            (Lines{"ERROR|the camera was busy: a photo taken just now may still be in its memory",
+                   "CAPTURE_EVENT|", downloaded("capt0000.jpg")}));
 }
 
 TEST_F(CommandLoop, ReportsAFolderThatIsGoneAndGoesOnWithTheSession) {
