@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -52,6 +53,10 @@ class Camera {
  public:
   virtual ~Camera() = default;
 
+  // Has `act` called several times a second for as long as an operation lasts: from another thread, but never
+  // beside the caller's own code, the sink of a download included. It must not use the camera.
+  virtual void meanwhile(std::function<void()> act) = 0;
+
   // Looks for a camera. Yields what it is and where, in words.
   virtual Outcome<std::string> find() = 0;
   virtual Outcome<> open(SaveMode mode) = 0;
@@ -63,9 +68,11 @@ class Camera {
   virtual Outcome<> download(const CameraFile& file, PhotoSink& sink) = 0;
   // Free space of all cards in KiB, read from the camera.
   virtual Outcome<std::uint64_t> cardFreeKib() = 0;
-  // The files of the folder that the camera now writes into; none without a card. May take as long as opening
-  // the camera.
-  virtual Outcome<std::vector<CameraFile>> newestCardFolder() = 0;
+  // The files of the folder that the camera now writes into and of the one before, without their sizes; none
+  // without a card. May take as long as opening the camera.
+  virtual Outcome<std::vector<CameraFile>> newestCardFiles() = 0;
+  // The file with its size: a question to the camera for each, and a card holds thousands.
+  virtual Outcome<CameraFile> withSize(const CameraFile& file) = 0;
   // Ends the session, if there is one.
   virtual void close() = 0;
   // The same for a camera that is lost: it is not waited for.

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <deque>
 #include <map>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -20,9 +20,10 @@ class CaptureLedger {
   // Whether the file is the first one of a press of the shutter; to be asked once for each.
   bool beginsExposure(const CameraFile& file);
   // The exposure that the last file belongs to is over.
-  void captureComplete() { _exposures.erase(kInHostMemory); }
+  void captureComplete();
 
-  // What is on the card now was taken before and is nobody's business.
+  // What is on the card now was taken before and is nobody's business; a name that has gone from it may come
+  // again.
   void startFrom(const std::vector<CameraFile>& listing);
   // The photos of a listing that are new and that nothing announced, in the listing's order. They count as
   // met from then on.
@@ -32,14 +33,20 @@ class CaptureLedger {
 
  private:
   struct Exposure {
+    std::string stem;  // folder and name without extension, or kInHostMemory
     bool hasRaw = false;
     bool hasFinished = false;
   };
+  enum class Met { Announced, OnCard };  // OnCard: by a look at it, and not announced since
   static constexpr const char* kInHostMemory = "";
+  // Of a burst of pairs a camera may announce one kind first; no burst is longer than this.
+  static constexpr std::size_t kMostOpenExposures = 256;
 
-  std::set<std::string> _known;
-  std::set<std::string> _metOnCard;
-  std::map<std::string, Exposure> _exposures;  // by folder and name without extension, or kInHostMemory
+  Exposure& exposureOf(const CameraFile& file);
+
+  // By folder and name: less than a hundred bytes for each photo of a session.
+  std::map<std::string, std::map<std::string, Met>> _known;
+  std::deque<Exposure> _exposures;  // the latest
 };
 
 }  // namespace ambrel::camera

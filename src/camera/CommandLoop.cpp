@@ -13,13 +13,12 @@ using protocol::Command;
 using protocol::Message;
 using std::chrono::milliseconds;
 
-// Hands a photo's bytes on and lets commands be obeyed between them.
+// Hands a photo's bytes on for as long as there is patience for it.
 class CommandLoop::Fetch : public PhotoSink {
  public:
   Fetch(CommandLoop& loop, PhotoSink& part) : _loop(loop), _part(part) {}
 
   bool write(std::span<const unsigned char> bytes) override {
-    _loop.takeCommandsBetween(milliseconds(0));
     const bool patient = !_loop._ending || _loop._lines.now() - _loop._endingSince < kLastTransferPatience;
     return patient && _part.write(bytes);
   }
@@ -34,16 +33,19 @@ CommandLoop::CommandLoop(Camera& camera, DownloadFolder& folder, LineSource& lin
     : _camera(camera), _folder(folder), _lines(lines), _sink(sink), _saveMode(saveMode) {}
 
 void CommandLoop::run() {
+  _camera.meanwhile([this] { takeCommandsBetween(milliseconds(0)); });
   say(Message::Kind::Ready);
   while (!_ending) {
     const bool busy = _state != State::NoCamera && pollCamera();
     lookAtCardWhenDue();
-    const milliseconds pause = _state == State::NoCamera   ? kNoCameraPause
-                               : _state == State::Watching ? kWatchingPause
-                                                           : kIdlePause;
+    const milliseconds pause = _state == State::NoCamera ? kNoCameraPause
+                               : _state == State::Idle   ? kIdlePause
+                                                         : kWatchingPause;
     takeCommands(busy ? milliseconds(0) : pause);
   }
+  emptyHostMemory();
   _camera.close();
+  _camera.meanwhile({});
 }
 
 // ---- Commands
@@ -75,6 +77,13 @@ bool CommandLoop::takeLine(milliseconds wait) {
 // In the middle of a camera operation: whatever needs the camera waits for the end of it, and everything
 // behind it waits too.
 void CommandLoop::takeCommandsBetween(milliseconds wait) {
+  _cameraTaken = true;
+  answerIdle();
+  obeyWhatSparesTheCamera(wait);
+  _cameraTaken = false;
+}
+
+void CommandLoop::obeyWhatSparesTheCamera(milliseconds wait) {
   while (!_ending) {
     const LineSource::Next next = _lines.next(wait);
     wait = milliseconds(0);
@@ -157,6 +166,7 @@ Outcome<> CommandLoop::warnIfCardIsMissing() {
 
 void CommandLoop::disconnect() {
   const bool wasConnected = _state != State::NoCamera;
+  emptyHostMemory();
   _camera.close();
   _state = State::NoCamera;
   // Said of a camera that never was, it would alarm the operator.
@@ -165,6 +175,7 @@ void CommandLoop::disconnect() {
 
 void CommandLoop::startWatching() {
   if (_state == State::NoCamera) return log("not watching: no camera");
+  if (_state == State::Finishing) _state = State::Watching;
   // What was taken until now is not to be downloaded, neither through its event nor through the card.
   while (_state == State::Idle && pollCamera()) {
   }
@@ -175,9 +186,31 @@ void CommandLoop::startWatching() {
   if (_state == State::Watching) say(Message::Kind::PumpActiveReady);
 }
 
+// What was taken while watching is still fetched. Mostly nothing is left, and then what is taken from the
+// answer on is ignored; only where the camera keeps us waiting does the answer not wait for it.
 void CommandLoop::stopWatching() {
-  if (_state == State::Watching) _state = State::Idle;
-  say(Message::Kind::PumpIdleReady);
+  _owesIdleReady = true;
+  if (_state == State::Watching) _state = State::Finishing;
+  const Time begun = _lines.now();
+  while (_state == State::Finishing && _owesIdleReady && !_cameraTaken &&
+         _lines.now() - begun < kIdleAnswerPatience)
+    pollCamera();
+  answerIdle();
+}
+
+void CommandLoop::answerIdle() {
+  if (std::exchange(_owesIdleReady, false)) say(Message::Kind::PumpIdleReady);
+}
+
+// What only the camera's memory holds would go with the session.
+void CommandLoop::emptyHostMemory() {
+  if (!fetches() || _saveMode != SaveMode::Disk) return;
+  _state = State::Finishing;
+  const Time begun = _lines.now();
+  while (_state == State::Finishing && _lines.now() - begun < kLastTransferPatience)
+    pollCamera();
+  if (_state != State::Finishing) return;
+  say(Message::Kind::Error, "disconnected: photos that were still in the camera's memory are gone with it");
 }
 
 void CommandLoop::setSaveDest(const std::string& modeWord) {
@@ -207,22 +240,21 @@ bool CommandLoop::pollCamera() {
     return false;
   }
   _busyTold = false;
+  const bool nothing = event.value().kind == CameraEvent::Kind::Nothing;
+  if (nothing && _state == State::Finishing) _state = State::Idle;
+  if (nothing || event.value().kind == CameraEvent::Kind::FileAdded) answerIdle();
   handle(event.value());
-  return event.value().kind != CameraEvent::Kind::Nothing;
+  return !nothing;
 }
 
 void CommandLoop::handle(const CameraEvent& event) {
   switch (event.kind) {
     case CameraEvent::Kind::FileAdded:
-      _announced = true;
-      _lookAt.reset();
-      _cardRoom.reset();
-      _quietSince = _lines.now();
+      _lookout.announced(_lines.now());
       return fileAdded(event.file);
     case CameraEvent::Kind::CaptureComplete:
       _ledger.captureComplete();
-      // Should its file not be announced, the card will tell.
-      if (!std::exchange(_announced, false)) _lookAt = _lines.now() + kAnnouncementDelay;
+      _lookout.exposureOver(_lines.now());
       return;
     case CameraEvent::Kind::CardChanged:
       return cardChanged();
@@ -240,7 +272,7 @@ void CommandLoop::fileAdded(const CameraFile& file) {
 void CommandLoop::found(const CameraFile& file) {
   const bool newExposure = _ledger.beginsExposure(file);
   if (newExposure) say(Message::Kind::CaptureEvent);
-  if (_state == State::Watching) {
+  if (fetches()) {
     fetch(file);
   } else if (newExposure) {
     say(Message::Kind::WarnCaptureIgnored);
@@ -282,16 +314,14 @@ void CommandLoop::downloadFailed(const CameraFile& file, const Failure& failure)
 
 // Only mode "both" has photos on a card that are to be downloaded.
 Outcome<> CommandLoop::startFromCard() {
-  _lookAt.reset();
-  _cardRoom.reset();
-  _quietSince = _lines.now();
+  _lookout.begin(std::nullopt, _lines.now());
   if (_saveMode != SaveMode::Both) return Done{};
-  const Outcome<std::vector<CameraFile>> listing = patiently([this] { return _camera.newestCardFolder(); });
+  const Outcome<std::vector<CameraFile>> listing = patiently([this] { return _camera.newestCardFiles(); });
   if (!listing) return listing.failure();
   _ledger.startFrom(listing.value());
   const Outcome<std::uint64_t> room = patiently([this] { return _camera.cardFreeKib(); });
   if (!room) return room.failure();
-  _cardRoom = room.value();
+  _lookout.begin(room.value(), _lines.now());
   return Done{};
 }
 
@@ -305,33 +335,31 @@ void CommandLoop::cardChanged() {
 
 void CommandLoop::lookAtCardWhenDue() {
   if (_state != State::Watching || _saveMode != SaveMode::Both) return;
-  const Time now = _lines.now();
-  if (_lookAt && now >= *_lookAt) return lookAtCard();
-  if (_lookAt || now - _quietSince < kQuietBeforeLook) return;
-  _quietSince = now;
-  const Outcome<std::uint64_t> room = patiently([this] { return _camera.cardFreeKib(); });
-  if (!room) return cameraFailed(room.failure());
-  const std::optional<std::uint64_t> before = std::exchange(_cardRoom, room.value());
-  if (!before || *before == room.value()) return;
-  if (room.value() < *before) {
-    // Its announcement may be on the way.
-    _lookAt = now + kAnnouncementDelay;
-    return;
-  }
-  // More room than before: photos were deleted, or it is another card.
-  if (const Outcome<> started = startFromCard(); !started) cameraFailed(started.failure());
+  const CardLookout::Step step = _lookout.due(_lines.now());
+  Outcome<> done = Done{};
+  if (step == CardLookout::Step::Look) done = lookAtCard();
+  if (step == CardLookout::Step::AskRoom) done = askForRoom();
+  if (!done) cameraFailed(done.failure());
 }
 
-void CommandLoop::lookAtCard() {
-  _lookAt.reset();
-  _cardRoom.reset();
-  const Outcome<std::vector<CameraFile>> listing = patiently([this] { return _camera.newestCardFolder(); });
-  if (!listing) return cameraFailed(listing.failure());
+Outcome<> CommandLoop::askForRoom() {
+  const Outcome<std::uint64_t> room = patiently([this] { return _camera.cardFreeKib(); });
+  if (!room) return room.failure();
+  const bool afresh = _lookout.roomIs(room.value(), _lines.now()) == CardLookout::Step::StartAfresh;
+  return afresh ? startFromCard() : Done{};
+}
+
+Outcome<> CommandLoop::lookAtCard() {
+  const Outcome<std::vector<CameraFile>> listing = patiently([this] { return _camera.newestCardFiles(); });
+  if (!listing) return listing.failure();
   for (const CameraFile& file : _ledger.unannounced(listing.value())) {
     log("on the card without announcement: " + safeName(file.name));
-    found(file);
-    if (_state == State::NoCamera) return;
+    const Outcome<CameraFile> sized = patiently([&] { return _camera.withSize(file); });
+    if (!sized) return sized.failure();
+    found(sized.value());
+    if (_state == State::NoCamera) break;
   }
+  return Done{};
 }
 
 // ---- Failures
@@ -357,14 +385,14 @@ void CommandLoop::cameraFailed(const Failure& failure) {
 void CommandLoop::busy(const std::string& reason) {
   if (std::exchange(_busyTold, true)) return;
   log("camera busy: " + reason);
-  if (_state != State::Watching || _saveMode != SaveMode::Disk) return;
+  if (!fetches() || _saveMode != SaveMode::Disk) return;
   say(Message::Kind::Error, "the camera was busy: a photo taken just now may still be in its memory");
 }
 
 void CommandLoop::lost(const std::string& reason) {
   if (_state == State::NoCamera) return;
   log("camera lost: " + reason);
-  if (_state == State::Watching && _saveMode == SaveMode::Disk) {
+  if (fetches() && _saveMode == SaveMode::Disk) {
     say(Message::Kind::Error, "camera lost: a photo taken in the last moment may be gone with it");
   }
   _state = State::NoCamera;

@@ -8,6 +8,7 @@
 
 #include "camera/Camera.h"
 #include "camera/CaptureLedger.h"
+#include "camera/CardLookout.h"
 #include "camera/DownloadFolder.h"
 #include "camera/LineSource.h"
 #include "protocol/Messages.h"
@@ -22,17 +23,16 @@ constexpr std::chrono::milliseconds kNoCameraPause{1000};
 // A busy camera is asked again for this long before a photo is given up.
 constexpr std::chrono::seconds kBusyPatience{10};
 constexpr std::chrono::milliseconds kBusyPause{100};
-// Watching and hearing of no photo for this long, the card is asked whether it has less room than before.
-constexpr std::chrono::seconds kQuietBeforeLook{2};
-// The announcement of a file may come after the end of its exposure.
-constexpr std::chrono::milliseconds kAnnouncementDelay{500};
-// After QUIT a transfer that runs may take this long to end.
+// What the camera still has to tell may delay the answer to PUMP_IDLE by this.
+constexpr std::chrono::milliseconds kIdleAnswerPatience{100};
+// Asked to end or to let the camera go, the worker may take this long for photos that are on their way.
 constexpr std::chrono::seconds kLastTransferPatience{3};
 
-// Obeys the application and watches the camera, in turns, in one thread.
+// Obeys the application and watches the camera in turns. During a long operation of the camera it obeys what
+// can be obeyed without it.
 //
-//   no camera  --CONNECT-->  idle  --PUMP_ACTIVE-->  watching
-//       <--DISCONNECT, loss--      <--PUMP_IDLE----
+//   no camera  --CONNECT-->  idle  --PUMP_ACTIVE-->  watching  --PUMP_IDLE-->  finishing
+//       <--DISCONNECT, loss--  <--all fetched that was taken until then------------
 class CommandLoop {
  public:
   CommandLoop(Camera& camera, DownloadFolder& folder, LineSource& lines, MessageSink& sink,
@@ -42,13 +42,14 @@ class CommandLoop {
   void run();
 
  private:
-  enum class State { NoCamera, Idle, Watching };
+  enum class State { NoCamera, Idle, Watching, Finishing };
   using Time = std::chrono::steady_clock::time_point;
   class Fetch;
 
   void takeCommands(std::chrono::milliseconds wait);
   bool takeLine(std::chrono::milliseconds wait);
   void takeCommandsBetween(std::chrono::milliseconds wait);
+  void obeyWhatSparesTheCamera(std::chrono::milliseconds wait);
   void obey(const protocol::Command& command);
 
   void connect(const std::string& modeWord);
@@ -57,6 +58,8 @@ class CommandLoop {
   void disconnect();
   void startWatching();
   void stopWatching();
+  void answerIdle();
+  void emptyHostMemory();
   void setSaveDest(const std::string& modeWord);
   void setDownloadDir(const std::string& path);
 
@@ -69,7 +72,8 @@ class CommandLoop {
   void found(const CameraFile& file);
   void cardChanged();
   void lookAtCardWhenDue();
-  void lookAtCard();
+  Outcome<> lookAtCard();
+  Outcome<> askForRoom();
   Outcome<> startFromCard();
   // Repeats a call for as long as the camera is busy, up to kBusyPatience.
   template <typename Call>
@@ -82,6 +86,7 @@ class CommandLoop {
   void say(protocol::Message::Kind kind, const std::string& payload = {});
   void log(const std::string& text) { say(protocol::Message::Kind::Log, text); }
   bool usesCard() const { return _saveMode != SaveMode::Disk; }
+  bool fetches() const { return _state == State::Watching || _state == State::Finishing; }
 
   Camera& _camera;
   DownloadFolder& _folder;
@@ -92,15 +97,14 @@ class CommandLoop {
   SaveMode _saveMode;
   bool _ending = false;
   Time _endingSince;
+  bool _cameraTaken = false;    // commands are taken in the middle of a camera operation
+  bool _owesIdleReady = false;  // PUMP_IDLE is obeyed and not yet answered
   std::deque<protocol::Command>
       _waiting;  // commands that came during a camera operation and wait for its end
 
   bool _busyTold = false;  // since the camera last answered
   CaptureLedger _ledger;
-  Time _quietSince;                        // when a photo last came, or the card was last asked
-  bool _announced = false;                 // a file, since the last exposure that was over
-  std::optional<Time> _lookAt;             // when to ask the card for what was not announced
-  std::optional<std::uint64_t> _cardRoom;  // KiB, while the ledger holds all that is on the card
+  CardLookout _lookout;
 };
 
 }  // namespace ambrel::camera

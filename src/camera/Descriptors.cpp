@@ -7,6 +7,13 @@
 #include <string>
 #include <sys/socket.h>
 #include <unistd.h>
+#if defined(__linux__)
+// The C library's own header lacks the counters.
+#include <linux/tcp.h>
+#include <netinet/in.h>
+#else
+#include <netinet/tcp.h>
+#endif
 
 namespace ambrel::camera {
 
@@ -34,6 +41,22 @@ void endInternetSocketsBut(const std::set<int>& kept) {
   for (const int fd : openInternetSockets()) {
     if (kept.count(fd) == 0) shutdown(fd, SHUT_RDWR);
   }
+}
+
+std::uint64_t internetBytesReceived() {
+  std::uint64_t total = 0;
+  for (const int fd : openInternetSockets()) {
+#if defined(__linux__)
+    tcp_info info = {};
+    socklen_t length = sizeof info;
+    if (getsockopt(fd, IPPROTO_TCP, TCP_INFO, &info, &length) == 0) total += info.tcpi_bytes_received;
+#elif defined(__APPLE__)
+    tcp_connection_info info = {};
+    socklen_t length = sizeof info;
+    if (getsockopt(fd, IPPROTO_TCP, TCP_CONNECTION_INFO, &info, &length) == 0) total += info.tcpi_rxbytes;
+#endif
+  }
+  return total;
 }
 
 void occupyStandardInput() {

@@ -84,6 +84,7 @@ struct CaptureTargetTap {
 struct Transfer {
   PhotoSink& sink;
   Watchdog& watchdog;
+  Attendant& attendant;
   const std::set<int>& ourSockets;
   bool brokenOff = false;
 };
@@ -97,6 +98,7 @@ int takeSize(void*, std::uint64_t*) {
 int takeBytes(void* priv, unsigned char* data, std::uint64_t* length) {
   auto& transfer = *static_cast<Transfer*>(priv);
   transfer.watchdog.feed();
+  const auto back = transfer.attendant.back();
   if (!transfer.brokenOff && !transfer.sink.write({data, static_cast<std::size_t>(*length)})) {
     transfer.brokenOff = true;
     endInternetSocketsBut(transfer.ourSockets);
@@ -104,17 +106,38 @@ int takeBytes(void* priv, unsigned char* data, std::uint64_t* length) {
   return transfer.brokenOff ? GP_ERROR_CANCEL : GP_OK;
 }
 
+// By USB the library tells how far a transfer has come; but it says so of none that is short.
+unsigned startProgress(GPContext*, float, const char*, void* watchdog) {
+  static_cast<Watchdog*>(watchdog)->feed();
+  return 0;
+}
+
+void updateProgress(GPContext*, unsigned, float, void* watchdog) {
+  static_cast<Watchdog*>(watchdog)->feed();
+}
+
+void stopProgress(GPContext*, unsigned, void* watchdog) {
+  static_cast<Watchdog*>(watchdog)->feed();
+}
+
 }  // namespace
 
-GphotoCamera::GphotoCamera(std::string port, Watchdog& watchdog, std::function<void(const std::string&)> log)
-    : _port(std::move(port)), _watchdog(watchdog), _log(std::move(log)), _context(gp_context_new()) {}
+GphotoCamera::GphotoCamera(std::string port, std::string hostIdentity, Watchdog& watchdog,
+                           std::function<void(const std::string&)> log)
+    : _port(std::move(port)),
+      _hostIdentity(std::move(hostIdentity)),
+      _watchdog(watchdog),
+      _log(std::move(log)),
+      _context(gp_context_new()) {
+  gp_context_set_progress_funcs(_context.get(), startProgress, updateProgress, stopProgress, &watchdog);
+}
 
 GphotoCamera::~GphotoCamera() {
   close();
 }
 
 Outcome<> GphotoCamera::load() {
-  const Watchdog::Deadline deadline(_watchdog, "loading the camera library", kCallLimit);
+  const Call call(*this, "loading the camera library");
   _abilities = make<CameraAbilitiesList>(gp_abilities_list_new);
   const int result = gp_abilities_list_load(_abilities.get(), _context.get());
   if (result < GP_OK) return failureFor(result);
@@ -122,7 +145,7 @@ Outcome<> GphotoCamera::load() {
 }
 
 Outcome<std::string> GphotoCamera::find() {
-  const Watchdog::Deadline deadline(_watchdog, "looking for a camera", kCallLimit);
+  const Call call(*this, "looking for a camera");
   // A fresh list each time: a camera that was plugged in again is another device.
   _ports = make<GPPortInfoList>(gp_port_info_list_new);
   int result = gp_port_info_list_load(_ports.get());
@@ -148,10 +171,12 @@ Outcome<std::string> GphotoCamera::find() {
 }
 
 Outcome<> GphotoCamera::open(SaveMode mode) {
-  const Watchdog::Deadline deadline(_watchdog, "opening it", kCallLimit);
+  const Call call(*this, "opening it");
   _mode = mode;
   _listed = false;
-  // Read by the library when the session begins: the camera then goes straight to the right target.
+  // Read by the library when the session begins: a camera on the network then knows this computer, and goes
+  // straight to the right target.
+  saveSetting("ptp2_ip", "guid", _hostIdentity.c_str());
   saveSetting("ptp2", "capturetarget", settingFor(mode));
   _ourSockets = openInternetSockets();
   _camera = make<::Camera>(gp_camera_new);
@@ -169,7 +194,7 @@ Outcome<> GphotoCamera::open(SaveMode mode) {
 }
 
 Outcome<> GphotoCamera::confirmSaveMode(SaveMode mode) {
-  const Watchdog::Deadline deadline(_watchdog, "setting where it saves", kCallLimit);
+  const Call call(*this, "setting where it saves");
   const CaptureTargetTap tap;
   _mode = mode;
   saveSetting("ptp2", "capturetarget", settingFor(mode));
@@ -200,7 +225,7 @@ Outcome<> GphotoCamera::setTarget(::CameraWidget* widget, SaveMode mode) {
 }
 
 Outcome<bool> GphotoCamera::hasCard() {
-  const Watchdog::Deadline deadline(_watchdog, "checking its memory card", kCallLimit);
+  const Call call(*this, "checking its memory card");
   CameraStorageInformation* storages = nullptr;
   int count = 0;
   const int result = gp_camera_get_storageinfo(_camera.get(), &storages, &count, _context.get());
@@ -211,7 +236,7 @@ Outcome<bool> GphotoCamera::hasCard() {
 }
 
 Outcome<CameraEvent> GphotoCamera::waitForEvent() {
-  const Watchdog::Deadline deadline(_watchdog, "waiting for a photo", kCallLimit);
+  const Call call(*this, "waiting for a photo", kTransferPatience);
   CameraEventType type = GP_EVENT_TIMEOUT;
   void* data = nullptr;
   const int result = gp_camera_wait_for_event(_camera.get(), kEventWaitMs, &type, &data, _context.get());
@@ -222,7 +247,7 @@ Outcome<CameraEvent> GphotoCamera::waitForEvent() {
       return CameraEvent{};
     case GP_EVENT_FILE_ADDED: {
       const auto* path = static_cast<const CameraFilePath*>(data);
-      const Outcome<CameraFile> file = withSize(path->folder, path->name);
+      const Outcome<CameraFile> file = sized({path->folder, path->name});
       if (!file) return file.failure();
       return CameraEvent{CameraEvent::Kind::FileAdded, file.value()};
     }
@@ -240,21 +265,26 @@ Outcome<CameraEvent> GphotoCamera::waitForEvent() {
   return CameraEvent{CameraEvent::Kind::Other};
 }
 
+Outcome<CameraFile> GphotoCamera::withSize(const CameraFile& file) {
+  const Call call(*this, "asking for the size of " + file.name);
+  return sized(file);
+}
+
 // The library knows the size from the announcement; a camera that did not tell it costs us the check only.
-Outcome<CameraFile> GphotoCamera::withSize(const std::string& folder, const std::string& name) {
+Outcome<CameraFile> GphotoCamera::sized(CameraFile file) {
   CameraFileInfo info = {};
   const int result =
-      gp_camera_file_get_info(_camera.get(), folder.c_str(), name.c_str(), &info, _context.get());
+      gp_camera_file_get_info(_camera.get(), file.folder.c_str(), file.name.c_str(), &info, _context.get());
   if (result < GP_OK && result != GP_ERROR_NOT_SUPPORTED && result != GP_ERROR_CAMERA_BUSY) {
     return failureFor(result);
   }
-  const bool known = result >= GP_OK && (info.file.fields & GP_FILE_INFO_SIZE) != 0;
-  return CameraFile{folder, name, known ? info.file.size : 0};
+  if (result >= GP_OK && (info.file.fields & GP_FILE_INFO_SIZE) != 0) file.size = info.file.size;
+  return file;
 }
 
 Outcome<> GphotoCamera::download(const CameraFile& file, PhotoSink& sink) {
-  const Watchdog::Deadline deadline(_watchdog, "downloading " + file.name, kCallLimit);
-  Transfer transfer{sink, _watchdog, _ourSockets};
+  const Call call(*this, "downloading " + file.name, kTransferPatience);
+  Transfer transfer{sink, _watchdog, _attendant, _ourSockets};
   CameraFileHandler handler{takeSize, nullptr, takeBytes};
   ::CameraFile* held = nullptr;
   int result = gp_file_new_from_handler(&held, &handler, &transfer);
@@ -269,7 +299,7 @@ Outcome<> GphotoCamera::download(const CameraFile& file, PhotoSink& sink) {
 }
 
 Outcome<std::uint64_t> GphotoCamera::cardFreeKib() {
-  const Watchdog::Deadline deadline(_watchdog, "checking its memory card", kCallLimit);
+  const Call call(*this, "checking its memory card");
   CameraStorageInformation* storages = nullptr;
   int count = 0;
   const int result = gp_camera_get_storageinfo(_camera.get(), &storages, &count, _context.get());
@@ -290,29 +320,28 @@ Outcome<> GphotoCamera::reopen() {
 
 // The library reads a folder from the camera once in a session and adds to it what is announced. What is not
 // announced shows in a new session only.
-Outcome<std::vector<CameraFile>> GphotoCamera::newestCardFolder() {
+Outcome<std::vector<CameraFile>> GphotoCamera::newestCardFiles() {
   if (_listed) {
     if (Outcome<> fresh = reopen(); !fresh) return fresh.failure();
   }
   _listed = true;
-  const Watchdog::Deadline deadline(_watchdog, "listing its memory card", kCallLimit);
+  const Call call(*this, "listing its memory card");
   const Outcome<std::vector<std::string>> stores = names("/", true);
   if (!stores) return stores.failure();
   std::vector<CameraFile> files;
   for (const std::string& store : stores.value()) {
     const std::string images = "/" + store + "/DCIM";
-    const Outcome<std::vector<std::string>> folders = names(images, true);
+    Outcome<std::vector<std::string>> folders = names(images, true);
     if (!folders) return folders.failure();
-    if (folders.value().empty()) continue;
     // Folders count upwards: 100CANON, 101CANON ...
-    const std::string newest =
-        images + "/" + *std::max_element(folders.value().begin(), folders.value().end());
-    const Outcome<std::vector<std::string>> found = names(newest, false);
-    if (!found) return found.failure();
-    for (const std::string& name : found.value()) {
-      const Outcome<CameraFile> file = withSize(newest, name);
-      if (!file) return file.failure();
-      files.push_back(file.value());
+    std::sort(folders.value().begin(), folders.value().end());
+    const std::size_t count = folders.value().size();
+    for (std::size_t i = count > 2 ? count - 2 : 0; i < count; ++i) {
+      const std::string folder = images + "/" + folders.value()[i];
+      const Outcome<std::vector<std::string>> found = names(folder, false);
+      if (!found) return found.failure();
+      for (const std::string& name : found.value())
+        files.push_back({folder, name});
     }
   }
   return files;
@@ -344,7 +373,7 @@ void GphotoCamera::abandon() {
 
 void GphotoCamera::close() {
   if (!_camera) return;
-  const Watchdog::Deadline deadline(_watchdog, "closing the session", kCallLimit);
+  const Call call(*this, "closing the session");
   gp_camera_exit(_camera.get(), _context.get());
   _camera.reset();
   closeInternetSocketsBut(_ourSockets);

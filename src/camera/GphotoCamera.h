@@ -7,7 +7,9 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <utility>
 
+#include "camera/Attendant.h"
 #include "camera/Camera.h"
 #include "camera/Watchdog.h"
 
@@ -26,15 +28,18 @@ struct GphotoFree {
 template <typename T>
 using Gphoto = std::unique_ptr<T, GphotoFree>;
 
-// Limits of the library's calls. A download may take longer, as long as bytes arrive.
-constexpr std::chrono::seconds kCallLimit{20};
+// What the library's calls may take. One in which photos are received may take longer as long as bytes
+// arrive; but not for ever, as some of the library's loops never end and keep the camera talking.
+constexpr Watchdog::Patience kCallPatience{std::chrono::seconds(20), std::chrono::seconds(20)};
+constexpr Watchdog::Patience kTransferPatience{std::chrono::seconds(20), std::chrono::minutes(10)};
 
 // Any camera that the installed libgphoto2 drives, Canon EOS before others; by USB, or at a named port.
 class GphotoCamera : public Camera {
  public:
-  // `port` as the library writes it ("ptpip:192.168.1.2"), empty for discovery by USB. `log` takes lines of
-  // diagnosis.
-  GphotoCamera(std::string port, Watchdog& watchdog, std::function<void(const std::string&)> log);
+  // `port` as the library writes it ("ptpip:192.168.1.2"), empty for discovery by USB. `hostIdentity` as
+  // hostIdentity() makes it. `log` takes lines of diagnosis.
+  GphotoCamera(std::string port, std::string hostIdentity, Watchdog& watchdog,
+               std::function<void(const std::string&)> log);
   ~GphotoCamera() override;
   GphotoCamera(const GphotoCamera&) = delete;
   GphotoCamera& operator=(const GphotoCamera&) = delete;
@@ -42,6 +47,7 @@ class GphotoCamera : public Camera {
   // Loads the list of cameras that the library knows: needed once, before anything else.
   Outcome<> load();
 
+  void meanwhile(std::function<void()> act) override { _attendant.actWith(std::move(act)); }
   Outcome<std::string> find() override;
   Outcome<> open(SaveMode mode) override;
   Outcome<> confirmSaveMode(SaveMode mode) override;
@@ -49,18 +55,29 @@ class GphotoCamera : public Camera {
   Outcome<CameraEvent> waitForEvent() override;
   Outcome<> download(const CameraFile& file, PhotoSink& sink) override;
   Outcome<std::uint64_t> cardFreeKib() override;
-  Outcome<std::vector<CameraFile>> newestCardFolder() override;
+  Outcome<std::vector<CameraFile>> newestCardFiles() override;
+  Outcome<CameraFile> withSize(const CameraFile& file) override;
   void close() override;
   void abandon() override;
 
  private:
-  Outcome<CameraFile> withSize(const std::string& folder, const std::string& name);
+  // One call of the library, or some that belong together.
+  struct Call {
+    Call(GphotoCamera& camera, std::string what, Watchdog::Patience patience = kCallPatience)
+        : deadline(camera._watchdog, std::move(what), patience), absence(camera._attendant) {}
+    Watchdog::Deadline deadline;
+    Attendant::Call absence;
+  };
+
+  Outcome<CameraFile> sized(CameraFile file);
   Outcome<std::vector<std::string>> names(const std::string& folder, bool folders);
   Outcome<> reopen();
   Outcome<> setTarget(::CameraWidget* widget, SaveMode mode);
 
   std::string _port;
+  std::string _hostIdentity;
   Watchdog& _watchdog;
+  Attendant _attendant;
   std::function<void(const std::string&)> _log;
   Gphoto<GPContext> _context;
   Gphoto<CameraAbilitiesList> _abilities;

@@ -7,11 +7,16 @@ namespace ambrel::camera {
 
 using Clock = std::chrono::steady_clock;
 
-void WatchdogState::arm(std::string what, std::chrono::milliseconds limit, Time now) {
+void WatchdogState::arm(std::string what, Patience patience, Time now) {
   _armed = true;
   _what = std::move(what);
-  _limit = limit;
-  _since = now;
+  _patience = patience;
+  _begun = now;
+  _aliveAt = now;
+}
+
+void WatchdogState::received(std::uint64_t bytes, Time now) {
+  if (std::exchange(_received, bytes) != bytes) feed(now);
 }
 
 std::string WatchdogState::overdue(Time now) {
@@ -20,7 +25,8 @@ std::string WatchdogState::overdue(Time now) {
     _endingSince = now;
   }
   if (_endingSeen && now - _endingSince > kEndPatience) return "the worker was asked to end and could not";
-  if (!_armed || now - _since <= _limit) return {};
+  const bool over = now - _aliveAt > _patience.silence || now - _begun > _patience.total;
+  if (!_armed || !over) return {};
   return "no answer from the camera while " + _what;
 }
 
@@ -28,8 +34,11 @@ bool WatchdogState::endingAsked() {
   return !_endings.empty() && poll(_endings.data(), _endings.size(), 0) > 0;
 }
 
-Watchdog::Watchdog(std::vector<pollfd> endings, Expired expired)
-    : _expired(std::move(expired)), _state(std::move(endings)), _thread([this] { watch(); }) {}
+Watchdog::Watchdog(std::vector<pollfd> endings, Expired expired, Received received)
+    : _expired(std::move(expired)),
+      _received(std::move(received)),
+      _state(std::move(endings)),
+      _thread([this] { watch(); }) {}
 
 Watchdog::~Watchdog() {
   {
@@ -40,10 +49,9 @@ Watchdog::~Watchdog() {
   _thread.join();
 }
 
-Watchdog::Deadline::Deadline(Watchdog& watchdog, std::string what, std::chrono::milliseconds limit)
-    : _watchdog(watchdog) {
+Watchdog::Deadline::Deadline(Watchdog& watchdog, std::string what, Patience patience) : _watchdog(watchdog) {
   const std::lock_guard lock(_watchdog._mutex);
-  _watchdog._state.arm(std::move(what), limit, Clock::now());
+  _watchdog._state.arm(std::move(what), patience, Clock::now());
 }
 
 Watchdog::Deadline::~Deadline() {
@@ -59,7 +67,9 @@ void Watchdog::feed() {
 void Watchdog::watch() {
   std::unique_lock lock(_mutex);
   while (!_wake.wait_for(lock, kTick, [this] { return _stopped; })) {
-    const std::string reason = _state.overdue(Clock::now());
+    const auto now = Clock::now();
+    if (_received && _state.isSilent(now)) _state.received(_received(), now);
+    const std::string reason = _state.overdue(now);
     if (reason.empty()) continue;
     lock.unlock();
     _expired(reason);

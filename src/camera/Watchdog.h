@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <cstdint>
 #include <functional>
 #include <mutex>
 #include <poll.h>
@@ -18,17 +19,28 @@ class WatchdogState {
   using Time = std::chrono::steady_clock::time_point;
   static constexpr std::chrono::seconds kEndPatience{6};
 
+  // How long a call may take without a sign of life, and with any number of them.
+  struct Patience {
+    std::chrono::milliseconds silence;
+    std::chrono::milliseconds total;
+  };
+
   // Once one of `endings` shows its events or is hung up, the process has kEndPatience left.
   explicit WatchdogState(std::vector<pollfd> endings) : _endings(std::move(endings)) {}
 
-  void arm(std::string what, std::chrono::milliseconds limit, Time now);
+  void arm(std::string what, Patience patience, Time now);
   void disarm() { _armed = false; }
-  // A sign of life: the running deadline begins anew.
-  void feed(Time now) { _since = now; }
+  // A sign of life.
+  void feed(Time now) { _aliveAt = now; }
+  // There was none for a while, and it is worth asking for the bytes received; a number that is not the last
+  // one is a sign of life.
+  bool isSilent(Time now) const { return _armed && now - _aliveAt >= kSilence; }
+  void received(std::uint64_t bytes, Time now);
   // Why the process has to end, or an empty text. To be asked regularly.
   std::string overdue(Time now);
 
  private:
+  static constexpr std::chrono::milliseconds kSilence{500};
   bool endingAsked();
 
   std::vector<pollfd> _endings;
@@ -36,8 +48,10 @@ class WatchdogState {
   Time _endingSince;
   bool _armed = false;
   std::string _what;
-  std::chrono::milliseconds _limit{0};
-  Time _since;
+  Patience _patience{};
+  Time _begun;
+  Time _aliveAt;
+  std::uint64_t _received = 0;
 };
 
 // Guards a thread that may be caught in a call for ever. It looks from a thread of its own, several times a
@@ -45,9 +59,12 @@ class WatchdogState {
 class Watchdog {
  public:
   using Expired = std::function<void(const std::string& reason)>;
+  using Patience = WatchdogState::Patience;
+  // How many bytes this process has received from the camera.
+  using Received = std::function<std::uint64_t()>;
   static constexpr std::chrono::milliseconds kTick{200};
 
-  Watchdog(std::vector<pollfd> endings, Expired expired);
+  Watchdog(std::vector<pollfd> endings, Expired expired, Received received = {});
   ~Watchdog();
   Watchdog(const Watchdog&) = delete;
   Watchdog& operator=(const Watchdog&) = delete;
@@ -56,7 +73,7 @@ class Watchdog {
   class Deadline {
    public:
     // `what` completes the sentence "no answer from the camera while ...".
-    Deadline(Watchdog& watchdog, std::string what, std::chrono::milliseconds limit);
+    Deadline(Watchdog& watchdog, std::string what, Patience patience);
     ~Deadline();
     Deadline(const Deadline&) = delete;
     Deadline& operator=(const Deadline&) = delete;
@@ -70,6 +87,7 @@ class Watchdog {
   void watch();
 
   Expired _expired;
+  Received _received;
   std::mutex _mutex;  // guards what follows
   std::condition_variable _wake;
   bool _stopped = false;

@@ -11,8 +11,10 @@
 #include <gphoto2/gphoto2-version.h>
 
 #include "camera/CommandLoop.h"
+#include "camera/Descriptors.h"
 #include "camera/DownloadFolder.h"
 #include "camera/GphotoCamera.h"
+#include "camera/HostIdentity.h"
 #include "camera/LineInput.h"
 #include "camera/LineOutput.h"
 #include "camera/PrivateHome.h"
@@ -60,6 +62,8 @@ int main(int argc, char** argv) {
   // Its texts are looked at, and come translated otherwise.
   setenv("LC_ALL", "C", 1);
   const int termination = terminationRequests();
+  // Of the user's own home, before it becomes another one.
+  const std::string identity = hostIdentity();
   const PrivateHome home;
   StandardStreams streams;
   LineOutput output(streams.output());
@@ -68,15 +72,18 @@ int main(int argc, char** argv) {
   LineInput input(streams.input());
   input.endOn(termination);
   input.alsoServe(streams.readEnd(), [&] { streams.drain(log); });
-  Watchdog watchdog({{streams.input(), 0, 0}, {termination, POLLIN, 0}}, [&](const std::string& reason) {
-    output.trySay({Message::Kind::Error, "camera worker stopped: " + reason}, kLastWordPatience);
-    home.remove();
-    _exit(kExitHung);
-  });
+  Watchdog watchdog(
+      {{streams.input(), 0, 0}, {termination, POLLIN, 0}},
+      [&](const std::string& reason) {
+        output.trySay({Message::Kind::Error, "camera worker stopped: " + reason}, kLastWordPatience);
+        home.remove();
+        _exit(kExitHung);
+      },
+      internetBytesReceived);
 
   output.say({Message::Kind::CppWorker, std::string("libgphoto2 ") + *gp_library_version(GP_VERSION_SHORT)});
   output.say({Message::Kind::Status, "loading canon sdk"});
-  GphotoCamera camera(environment("AMBREL_CAMERA_PORT"), watchdog, log);
+  GphotoCamera camera(environment("AMBREL_CAMERA_PORT"), identity, watchdog, log);
   if (const Outcome<> loaded = camera.load(); !loaded) {
     output.say({Message::Kind::Error, "camera library cannot be loaded: " + loaded.failure().reason});
     return EXIT_FAILURE;

@@ -23,8 +23,9 @@ constexpr std::string_view kHelp =
     "                    of each raw file; first tells which file of a pair comes first; answered when all "
     "is taken\n"
     "  photos            one line per file ever taken, then \"ok photos=N\":\n"
-    "                    photo name=IMG_0001.JPG size=BYTES sha256=HEX shot=N place=card|host sent=N "
+    "                    photo name=IMG_0001.JPG size=BYTES sha256=HEX shot=N place=card|host asked=N "
     "deleted=0|1\n"
+    "                    asked: how often a host asked for the last byte\n"
     "  drop [after=BYTES] [how=close|reset]\n"
     "                    lose the connection, now or after that many more bytes; the camera stays reachable\n"
     "  cable in=0 [after=BYTES] [how=close|reset|freeze]\n"
@@ -36,7 +37,7 @@ constexpr std::string_view kHelp =
     "                    answer the next COUNT operations \"busy\", or only those of that operation code\n"
     "  set [rate=BYTES_PER_S] [silent=0|1]\n"
     "                    a slow link (0: full speed); no announcement of photos on the card\n"
-    "  status            what is set, and whether a host is connected\n"
+    "  status            what is set, whether a host is connected, and the identity of the latest one\n"
     "  quit              end the program\n";
 
 // Reads the values of one command; the first that is not as it should be is remembered.
@@ -252,7 +253,8 @@ std::string Commands::status(const Command& command) {
   out << "power=" << _power << " cable=" << _server.reachable() << " card=" << _camera.card()
       << " host=" << _server.hasHost()
       << " target=" << (_camera.destination() == kDestinationHost ? "host" : "card")
-      << " shots=" << _camera.shots() << " silent=" << _camera.silent() << " rate=" << _server.link().rate();
+      << " shots=" << _camera.shots() << " silent=" << _camera.silent() << " rate=" << _server.link().rate()
+      << " hostid=" << _server.hostId();
   return ok(out.str());
 }
 

@@ -135,7 +135,7 @@ Bytes encode_jpeg(const Picture& picture, ByteView exif) {
   }
   jpeg_finish_compress(&info);
   jpeg_destroy_compress(&info);
-  const Bytes jpeg(buffer, buffer + size);
+  Bytes jpeg(buffer, buffer + size);
   std::free(buffer);
   return jpeg;
 }

@@ -5,6 +5,7 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <string_view>
 #include <sys/socket.h>
 
 #include "simulator/CameraIdentity.h"
@@ -19,6 +20,16 @@ constexpr std::size_t kMostConnections = 16;
 // A host that does not read its answers is not read from either.
 constexpr std::size_t kMostUnsent = 1 << 20;
 constexpr std::size_t kReadBlock = 64 << 10;
+
+std::string hexadecimal(ByteView bytes) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::string text;
+  for (const std::uint8_t byte : bytes) {
+    text += kDigits[byte >> 4];
+    text += kDigits[byte & 0xF];
+  }
+  return text;
+}
 
 bool wouldBlock() {
   return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR;
@@ -126,7 +137,8 @@ bool PtpIpServer::handle(Connection& connection, const Packet& packet) {
 
 bool PtpIpServer::greetCommand(Connection& connection, const Packet& packet) {
   // A GUID, a name that may be empty but has its NUL, and the version.
-  constexpr std::size_t kSmallestGreeting = 16 + 2 + 4;
+  constexpr std::size_t kIdBytes = 16;
+  constexpr std::size_t kSmallestGreeting = kIdBytes + 2 + 4;
   if (_seat != nullptr || packet.body.size() < kSmallestGreeting) {
     connection.out = encode_init_fail(_seat != nullptr ? InitFailure::busy : InitFailure::rejected);
     return false;
@@ -135,6 +147,7 @@ bool PtpIpServer::greetCommand(Connection& connection, const Packet& packet) {
   connection.channel = std::make_unique<CommandChannel>(_camera);
   connection.out = encode_init_ack(++_seatNumber, kCameraModel);
   _seat = &connection;
+  _hostId = hexadecimal(ByteView(packet.body).first(kIdBytes));
   return true;
 }
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <poll.h>
+#include <string>
 #include <vector>
 
 #include "simulator/CameraModel.h"
@@ -39,6 +40,8 @@ class PtpIpServer {
   bool plugIn();
   bool reachable() const { return _listening && !_frozen; }
   bool hasHost() const { return _seat != nullptr; }
+  // How the latest host that was let in identified itself: 32 hexadecimal digits, or an empty text.
+  const std::string& hostId() const { return _hostId; }
 
  private:
   enum class Role { unknown, command, event };
@@ -74,6 +77,7 @@ class PtpIpServer {
   std::vector<std::unique_ptr<Connection>> _connections;  // oldest first
   Connection* _seat = nullptr;  // the command connection of the host that was let in
   std::uint32_t _seatNumber = 0;
+  std::string _hostId;
 };
 
 }  // namespace ambrel::simulator

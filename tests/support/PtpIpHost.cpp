@@ -19,7 +19,6 @@ using simulator::ByteReader;
 using simulator::Bytes;
 using simulator::ByteView;
 using simulator::ByteWriter;
-using simulator::Descriptor;
 using simulator::Operation;
 using simulator::Packet;
 using simulator::PacketType;

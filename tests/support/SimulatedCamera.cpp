@@ -19,7 +19,8 @@
 
 #include "simulator/Sha256.h"
 
-extern char** environ;
+// POSIX leaves this declaration to us; glibc has it all the same.
+extern char** environ;  // NOLINT(readability-redundant-declaration)
 
 namespace ambrel {
 
@@ -88,6 +89,7 @@ void SimulatedCamera::start(const std::vector<std::string>& arguments) {
   std::vector<std::string> words{AMBREL_SIM_CAMERA};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> pointers;
+  pointers.reserve(words.size() + 1);
   for (std::string& word : words) {
     pointers.push_back(word.data());
   }

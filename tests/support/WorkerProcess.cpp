@@ -22,13 +22,15 @@ namespace {
 using Clock = std::chrono::steady_clock;
 constexpr std::size_t kLinesShownOnFailure = 40;
 
-std::vector<std::string> environmentWith(const std::string& variable) {
-  const std::string name = variable.substr(0, variable.find('=') + 1);
-  std::vector<std::string> environment;
+std::vector<std::string> environmentWith(const std::vector<std::string>& variables) {
+  std::vector<std::string> environment = variables;
   for (char** entry = environ; *entry != nullptr; ++entry) {
-    if (!std::string_view(*entry).starts_with(name)) environment.emplace_back(*entry);
+    const std::string_view inherited(*entry);
+    const bool replaced = std::any_of(variables.begin(), variables.end(), [&](const std::string& variable) {
+      return inherited.starts_with(variable.substr(0, variable.find('=') + 1));
+    });
+    if (!replaced) environment.emplace_back(inherited);
   }
-  environment.push_back(variable);
   return environment;
 }
 
@@ -47,7 +49,7 @@ WorkerProcess::WorkerProcess(const Launch& launch) : _saveMode(launch.saveMode) 
   // A worker that is gone shows when the test waits for it.
   std::signal(SIGPIPE, SIG_IGN);
   start(launch);
-  waitFor("READY|OK");
+  waitFor("READY|OK", launch.patience);
 }
 
 WorkerProcess::~WorkerProcess() {
@@ -68,7 +70,9 @@ void WorkerProcess::start(const Launch& launch) {
 
   std::vector<std::string> words = launch.under;
   words.insert(words.end(), {AMBREL_CPP_WORKER, launch.downloadFolder, "/no/sdk/EDSDK", launch.saveMode});
-  std::vector<std::string> environment = environmentWith("AMBREL_CAMERA_PORT=" + launch.cameraPort);
+  std::vector<std::string> environment =
+      environmentWith({"AMBREL_CAMERA_PORT=" + launch.cameraPort,
+                       "AMBREL_HOME=" + (launch.home.empty() ? _home.path() : launch.home)});
   posix_spawn_file_actions_t actions;
   ::posix_spawn_file_actions_init(&actions);
   ::posix_spawn_file_actions_adddup2(&actions, toWorker[0], STDIN_FILENO);

@@ -8,6 +8,8 @@
 #include <sys/types.h>
 #include <vector>
 
+#include "support/TemporaryFolder.h"
+
 namespace ambrel {
 
 // The program ambrel_cpp_worker for the time of a test, started as the application starts it: its standard
@@ -15,14 +17,15 @@ namespace ambrel {
 // all that the worker has said.
 class WorkerProcess {
  public:
+  static constexpr std::chrono::seconds kPatience{20};
   struct Launch {
     std::string downloadFolder;
     std::string cameraPort = {};  // "ptpip:127.0.0.1:P:P", or empty for USB
     std::string saveMode = "both";
-    std::vector<std::string> under = {};  // a program and its arguments to run the worker under
+    std::vector<std::string> under = {};        // a program and its arguments to run the worker under
+    std::string home = {};                      // AMBREL_HOME; empty: one of its own
+    std::chrono::seconds patience = kPatience;  // until it is ready
   };
-  static constexpr std::chrono::seconds kPatience{20};
-
   // Returns when the worker has said "READY|OK".
   explicit WorkerProcess(const Launch& launch);
   // Kills the worker if it still runs.
@@ -55,6 +58,7 @@ class WorkerProcess {
   bool read(std::chrono::steady_clock::time_point deadline);
   [[noreturn]] void fail(const std::string& what) const;
 
+  test::TemporaryFolder _home;
   std::string _saveMode;
   pid_t _pid = -1;
   int _input = -1;   // we write

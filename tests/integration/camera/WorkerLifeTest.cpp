@@ -86,6 +86,24 @@ TEST_F(WorkerLife, RemovesTheHomeOfAWorkerThatWasKilled) {
   EXPECT_EQ(homesOf(pid), 0);
 }
 
+// A camera that was paired with this computer asks nobody the next time.
+TEST_F(WorkerLife, IsTheSameHostToTheCameraEachTime) {
+  const test::TemporaryFolder home;
+  std::vector<std::string> identities;
+  for (int i = 0; i < 2; ++i) {
+    worker = std::make_unique<WorkerProcess>(
+        WorkerProcess::Launch{folder.path(), camera.gphotoPort(), "both", {}, home.path()});
+    worker->connect();
+    identities.push_back(valueIn(camera.command("status"), "hostid"));
+    worker->send("QUIT");
+    worker->waitForExit();
+  }
+  EXPECT_EQ(identities[0].size(), 32u);
+  EXPECT_EQ(identities[0], identities[1]);
+  start().connect();
+  EXPECT_NE(valueIn(camera.command("status"), "hostid"), identities[0]) << "of another user";
+}
+
 TEST_F(WorkerLife, RefusesAWrongCommandLine) {
   EXPECT_THROW(WorkerProcess({folder.path(), camera.gphotoPort(), "both", {"/bin/sh", "-c", "exec \"$0\""}}),
                std::runtime_error);

@@ -107,6 +107,27 @@ TEST_F(WorkerWatching, FindsPhotosOnTheCardThatNothingAnnounces) {
   EXPECT_EQ(worker->count("CAPTURE_EVENT|"), 5);
 }
 
+TEST_F(WorkerWatching, FindsUnannouncedPhotosOnBothSidesOfANewFolder) {
+  SimulatedCamera atTheEnd({"--first-shot", "9998"});
+  worker =
+      std::make_unique<WorkerProcess>(WorkerProcess::Launch{folder.path(), atTheEnd.gphotoPort(), "both"});
+  worker->connect();
+  worker->watch();
+  atTheEnd.command("set silent=1");
+  atTheEnd.command("shoot n=3 kind=jpeg size=60000");
+  waitForPhotos(3);
+  EXPECT_EQ(folder.names(), (std::vector<std::string>{"IMG_0001.JPG", "IMG_9998.JPG", "IMG_9999.JPG"}));
+}
+
+// A question to the camera for each file would take longer than any operator waits.
+TEST_F(WorkerWatching, BeginsAtOnceAlthoughTheCardHoldsThousands) {
+  SimulatedCamera full({"--jpeg-size", "64x48"});
+  full.command("shoot n=3000 kind=jpeg");
+  worker = std::make_unique<WorkerProcess>(WorkerProcess::Launch{folder.path(), full.gphotoPort(), "both"});
+  worker->connect();
+  EXPECT_LE(timeOf([&] { worker->watch(); }), milliseconds(2000));
+}
+
 TEST_F(WorkerWatching, IgnoresAndReportsCapturesWhileIdleAndNeverDownloadsThemLater) {
   start().connect();
   camera.command("shoot n=2 kind=pair size=60000");

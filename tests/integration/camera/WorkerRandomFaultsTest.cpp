@@ -164,7 +164,7 @@ class WorkerRandomFaults : public WorkerSession, public ::testing::WithParamInte
 // AMBREL_WORKER_FAULTS photos in each save mode.
 TEST_P(WorkerRandomFaults, LeaveEveryPhotoAccountedFor) {
   const int count = numberFromEnvironment("AMBREL_WORKER_FAULTS", 25);
-  for (int round = 0; round < count; ++round) {
+  while (static_cast<int>(rounds.size()) < count) {
     killed = false;
     failed = false;
     heardThisRound.clear();

@@ -15,7 +15,7 @@ constexpr std::string_view kDownloaded = "DOWNLOADED|";
 WorkerProcess& WorkerSession::start(const std::string& mode, std::vector<std::string> under) {
   worker.reset();
   worker = std::make_unique<WorkerProcess>(
-      WorkerProcess::Launch{folder.path(), camera.gphotoPort(), mode, std::move(under)});
+      WorkerProcess::Launch{folder.path(), camera.gphotoPort(), mode, std::move(under), {}, startPatience});
   return *worker;
 }
 

@@ -33,6 +33,7 @@ class WorkerSession : public ::testing::Test {
 
   SimulatedCamera camera;
   test::TemporaryFolder folder;
+  std::chrono::seconds startPatience = WorkerProcess::kPatience;
   std::unique_ptr<WorkerProcess> worker;
 };
 

@@ -65,6 +65,7 @@ void GphotoProgram::start(const std::vector<std::string>& arguments) {
   std::vector<std::string> words{"stdbuf", "-oL", "gphoto2", "--camera", "PTP/IP Camera", "--port", _port};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> pointers;
+  pointers.reserve(words.size() + 1);
   for (std::string& word : words) {
     pointers.push_back(word.data());
   }

@@ -89,7 +89,7 @@ class Robustness : public ::testing::Test {
         // A plausible request: a real operation with any parameters.
         const auto operation = static_cast<std::uint16_t>((below(2) == 0 ? 0x1001 : 0x9101) + below(0x60));
         ByteWriter body;
-        body.u32(1 + below(2)).u16(operation).u32(below(100)).raw(noise(4 * below(6)));
+        body.u32(1 + below(2)).u16(operation).u32(below(100)).raw(noise(std::size_t{4} * below(6)));
         return encode_packet(PacketType::commandRequest, body.bytes());
       }
       default:

@@ -97,13 +97,37 @@ TEST(CaptureLedger, TakesANameThatIsAnnouncedAgainForAnotherPhoto) {
 
 TEST(CaptureLedger, FindsAPhotoWhoseNumberWasUsedBefore) {
   CaptureLedger ledger;
-  ledger.startFrom({onCard("IMG_0001.JPG", 1000)});
-  EXPECT_EQ(ledger.unannounced({onCard("IMG_0001.JPG", 1001)}).size(), 1u);
+  ledger.startFrom({onCard("IMG_0001.JPG"), onCard("IMG_0002.JPG")});
+  ledger.startFrom({onCard("IMG_0001.JPG")});
+  EXPECT_EQ(ledger.unannounced({onCard("IMG_0001.JPG"), onCard("IMG_0002.JPG")}),
+            std::vector<CameraFile>{onCard("IMG_0002.JPG")});
 }
 
 TEST(CaptureLedger, LeavesFilmsOnTheCard) {
   CaptureLedger ledger;
   EXPECT_TRUE(ledger.unannounced({onCard("MVI_0001.MP4")}).empty());
+}
+
+TEST(CaptureLedger, StillKnowsWhatALookHasShownAfterAnotherStart) {
+  CaptureLedger ledger;
+  ledger.unannounced({onCard("IMG_0001.JPG")});
+  ledger.startFrom({onCard("IMG_0001.JPG"), onCard("IMG_0002.JPG")});
+  EXPECT_FALSE(ledger.announced(onCard("IMG_0001.JPG")));
+}
+
+TEST(CaptureLedger, CountsALongBurstOfPairsThatIsAnnouncedOneKindFirst) {
+  CaptureLedger ledger;
+  const auto name = [](int i, const char* kind) { return "IMG_" + std::to_string(1000 + i) + kind; };
+  for (int i = 0; i < 200; ++i)
+    EXPECT_TRUE(ledger.beginsExposure(onCard(name(i, ".CR3"))));
+  for (int i = 0; i < 200; ++i)
+    EXPECT_FALSE(ledger.beginsExposure(onCard(name(i, ".JPG"))));
+}
+
+TEST(CaptureLedger, TellsFilesOfTheSameNameInTwoFoldersApart) {
+  CaptureLedger ledger;
+  EXPECT_TRUE(ledger.announced({kFolder, "IMG_0001.JPG", 1000}));
+  EXPECT_EQ(ledger.unannounced({{"/store_00010001/DCIM/101CANON", "IMG_0001.JPG", 1000}}).size(), 1u);
 }
 
 TEST(CaptureLedger, KnowsNothingOfAnotherCard) {

@@ -281,6 +281,97 @@ TEST_F(CommandLoop, KeepsItsFolderWhenTheNewOneIsNoAbsolutePath) {
   EXPECT_EQ(run().back(), downloaded("IMG_0001.JPG"));
 }
 
+TEST_F(CommandLoop, FetchesTheRestOfABurstThatWasTakenBeforeWatchingStopped) {
+  watch();
+  Lines expected;
+  for (int i = 10; i < 30; ++i) {
+    const std::string name = "IMG_00" + std::to_string(i) + ".JPG";
+    camera.shoot(milliseconds(500), jpegOnCard(name), kJpeg);
+    expected.push_back("CAPTURE_EVENT|");
+    if (i == 13) expected.push_back("PUMP_IDLE_READY|");
+    expected.push_back(downloaded(name));
+  }
+  camera.duringDownload = [&] {
+    if (camera.fetched.size() == 4) channel.send(channel.elapsed(), "PUMP_IDLE");
+  };
+  run();
+  EXPECT_EQ(Lines(channel.said.begin() + 3, channel.said.end()), expected);
+}
+
+TEST_F(CommandLoop, FetchesWhatWasTakenBetweenTheLastLookAndTheEndOfWatching) {
+  watch();
+  camera.shoot(milliseconds(505), jpegOnCard("IMG_0001.JPG"), kJpeg);
+  channel.send(milliseconds(506), "PUMP_IDLE");
+  run();
+  EXPECT_EQ(Lines(channel.said.begin() + 3, channel.said.end()),
+            (Lines{"PUMP_IDLE_READY|", "CAPTURE_EVENT|", downloaded("IMG_0001.JPG")}));
+}
+
+TEST_F(CommandLoop, IgnoresWhatIsTakenFromTheAnswerOn) {
+  watch();
+  channel.send(milliseconds(500), "PUMP_IDLE");
+  camera.shoot(milliseconds(501), jpegOnCard("IMG_0001.JPG"), kJpeg);
+  run();
+  EXPECT_EQ(Lines(channel.said.begin() + 3, channel.said.end()),
+            (Lines{"PUMP_IDLE_READY|", "CAPTURE_EVENT|", "WARN|CAPTURE_IGNORED_NOT_WATCHING|"}));
+}
+
+TEST_F(CommandLoop, GoesOnWatchingWithTheRestOfABurstWhenAskedTo) {
+  watch();
+  for (int i = 1; i < 6; ++i)
+    camera.shoot(milliseconds(500), jpegOnCard("IMG_000" + std::to_string(i) + ".JPG"), kJpeg);
+  camera.duringDownload = [&] {
+    if (camera.fetched.size() != 2) return;
+    channel.send(channel.elapsed(), "PUMP_IDLE");
+    channel.send(channel.elapsed(), "PUMP_ACTIVE");
+  };
+  camera.shoot(milliseconds(1000), jpegOnCard("IMG_0006.JPG"), kJpeg);
+  run();
+  EXPECT_EQ(camera.fetched.size(), 6u);
+  EXPECT_EQ(std::count(channel.said.begin(), channel.said.end(), "PUMP_ACTIVE_READY|"), 2);
+}
+
+TEST_F(CommandLoop, FetchesWhatIsInHostMemoryBeforeItLetsTheCameraGo) {
+  watch("disk");
+  for (int i = 0; i < 5; ++i)
+    camera.shoot(milliseconds(500), jpegInMemory("capt000" + std::to_string(i) + ".jpg"), kJpeg);
+  camera.duringDownload = [&] {
+    if (camera.fetched.size() != 2) return;
+    for (const char* command : {"PUMP_IDLE", "DISCONNECT", "QUIT"})
+      channel.send(channel.elapsed(), command);
+  };
+  run();
+  EXPECT_EQ(camera.fetched.size(), 5u);
+  EXPECT_EQ(channel.said.back(), downloaded("capt0004.jpg"));
+}
+
+TEST_F(CommandLoop, SaysThatPhotosInHostMemoryAreGoneWhenTheyTakeTooLong) {
+  watch("disk");
+  for (int i = 0; i < 5; ++i)
+    camera.shoot(milliseconds(500), jpegInMemory("capt000" + std::to_string(i) + ".jpg"), kJpeg);
+  camera.duringDownload = [&] {
+    if (camera.fetched.size() == 1) channel.send(channel.elapsed(), "DISCONNECT");
+    channel.advance(milliseconds(2000));
+  };
+  run();
+  EXPECT_EQ(Lines(channel.said.end() - 2, channel.said.end()),
+            (Lines{"ERROR|disconnected: photos that were still in the camera's memory are gone with it",
+                   "DISCONNECTED|"}));
+  EXPECT_EQ(camera.fetched.size(), 3u);
+}
+
+TEST_F(CommandLoop, LeavesTheRestOfABurstOnTheCardWhenItLetsTheCameraGo) {
+  watch();
+  for (int i = 1; i < 6; ++i)
+    camera.shoot(milliseconds(500), jpegOnCard("IMG_000" + std::to_string(i) + ".JPG"), kJpeg);
+  camera.duringDownload = [&] {
+    if (camera.fetched.size() == 2) channel.send(channel.elapsed(), "DISCONNECT");
+  };
+  run();
+  EXPECT_EQ(camera.fetched.size(), 2u);
+  EXPECT_EQ(channel.said.back(), "DISCONNECTED|");
+}
+
 TEST_F(CommandLoop, SetsANewSaveModeInTheOpenSession) {
   connectAt(milliseconds(0));
   channel.send(milliseconds(100), "SET_SAVE_DEST|disk");
@@ -298,6 +389,14 @@ TEST_F(CommandLoop, ChecksTheCardForANewSaveMode) {
 }
 
 // ---- Commands during a transfer
+
+TEST_F(CommandLoop, AnswersWhileTheCameraKeepsItWaiting) {
+  watch("disk");
+  camera.waitTakes = milliseconds(700);
+  channel.send(milliseconds(2000), "PUMP_IDLE");
+  run();
+  EXPECT_LE(channel.saidAt("PUMP_IDLE_READY|"), milliseconds(2000) + camera.waitTakes);
+}
 
 TEST_F(CommandLoop, ObeysIdleAndFolderDuringATransfer) {
   watch();

@@ -39,24 +39,46 @@ TEST(Descriptors, CloseTheSocketsThatAreNotKept) {
   close(kept);
 }
 
-TEST(Descriptors, EndAConnectionUnderACallThatWaitsForIt) {
-  const std::set<int> ours = openInternetSockets();
-  const int server = socket(AF_INET, SOCK_STREAM, 0);
-  sockaddr_in address = {};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t length = sizeof address;
-  ASSERT_EQ(bind(server, reinterpret_cast<sockaddr*>(&address), length), 0);
-  ASSERT_EQ(listen(server, 1), 0);
-  ASSERT_EQ(getsockname(server, reinterpret_cast<sockaddr*>(&address), &length), 0);
-  const int client = socket(AF_INET, SOCK_STREAM, 0);
-  ASSERT_EQ(connect(client, reinterpret_cast<sockaddr*>(&address), length), 0);
+// Two ends of a connection over loopback; whatever is open is closed at the end.
+class Connection : public ::testing::Test {
+ protected:
+  Connection() {
+    server = socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof address;
+    auto* where = reinterpret_cast<sockaddr*>(&address);
+    EXPECT_EQ(bind(server, where, length), 0);
+    EXPECT_EQ(listen(server, 1), 0);
+    EXPECT_EQ(getsockname(server, where, &length), 0);
+    client = socket(AF_INET, SOCK_STREAM, 0);
+    EXPECT_EQ(connect(client, where, length), 0);
+  }
+  ~Connection() override { closeInternetSocketsBut(ours); }
+
+  std::set<int> ours = openInternetSockets();
+  int server = -1;
+  int client = -1;
+};
+
+TEST_F(Connection, IsEndedUnderACallThatWaitsForIt) {
   endInternetSocketsBut(ours);
   char byte = 0;
   // Ended or reset, as the system likes; but at once.
   EXPECT_LE(read(client, &byte, 1), 0);
   EXPECT_TRUE(isOpen(client));
-  closeInternetSocketsBut(ours);
+}
+
+TEST_F(Connection, ShowsHowManyBytesCameIn) {
+  const std::uint64_t before = internetBytesReceived();
+  const int peer = accept(server, nullptr, nullptr);
+  EXPECT_EQ(internetBytesReceived(), before);
+  ASSERT_EQ(write(client, "seven b", 7), 7);
+  char byte = 0;
+  ASSERT_EQ(read(peer, &byte, 1), 1);
+  // What has arrived counts, whether or not it was read.
+  EXPECT_EQ(internetBytesReceived(), before + 7);
 }
 
 TEST(Descriptors, OccupyStandardInputOnlyWhenItIsFree) {

@@ -83,6 +83,10 @@ Outcome<bool> FakeCamera::hasCard() {
 
 Outcome<CameraEvent> FakeCamera::waitForEvent() {
   if (auto loss = lossNow()) return *loss;
+  if (waitTakes > milliseconds(0)) {
+    _channel.advance(waitTakes);
+    goOnMeanwhile();
+  }
   if (_happenings.empty() || _happenings.front().at > _channel.elapsed()) return CameraEvent{};
   if (auto failure = take(eventFailures)) return *failure;
   const CameraEvent event = _happenings.front().event;
@@ -101,6 +105,7 @@ Outcome<> FakeCamera::download(const CameraFile& file, PhotoSink& sink) {
   const std::size_t piece = (bytes.size() + pieces - 1) / pieces;
   for (std::size_t at = 0; at < bytes.size(); at += piece) {
     duringDownload();
+    goOnMeanwhile();
     if (auto failure = take(downloadFailures)) return *failure;
     if (!sink.write(bytes.subspan(at, std::min(piece, bytes.size() - at)))) {
       return Failure{Failure::Kind::Stopped, "the worker was asked to end"};
@@ -118,15 +123,24 @@ Outcome<std::uint64_t> FakeCamera::cardFreeKib() {
   return kWholeCardKib - used + freedNow;
 }
 
-Outcome<std::vector<CameraFile>> FakeCamera::newestCardFolder() {
+Outcome<std::vector<CameraFile>> FakeCamera::newestCardFiles() {
   if (auto loss = lossNow()) return *loss;
   ++listings;
   if (auto failure = take(listFailures)) return *failure;
   std::vector<CameraFile> files;
   for (const Stored& photo : _photos) {
-    if (photo.at <= _channel.elapsed() && !photo.file.inHostMemory()) files.push_back(photo.file);
+    if (photo.at > _channel.elapsed() || photo.file.inHostMemory()) continue;
+    files.push_back({photo.file.folder, photo.file.name});
   }
   return files;
+}
+
+Outcome<CameraFile> FakeCamera::withSize(const CameraFile& file) {
+  if (auto loss = lossNow()) return *loss;
+  for (const Stored& photo : _photos) {
+    if (photo.file.folder == file.folder && photo.file.name == file.name) return photo.file;
+  }
+  return Failure{Failure::Kind::Lost, "no such file"};
 }
 
 }  // namespace ambrel::camera::test

@@ -75,10 +75,13 @@ class FakeCamera : public Camera {
   int listings = 0;
   std::vector<SaveMode> modes;
   std::vector<std::string> fetched;
+  // Each wait for events takes this long, and commands are obeyed meanwhile.
+  milliseconds waitTakes{0};
   // A photo comes in this many pieces, and this is called before each.
   std::size_t pieces = 1;
   std::function<void()> duringDownload = [] {};
 
+  void meanwhile(std::function<void()> act) override { _act = std::move(act); }
   Outcome<std::string> find() override;
   Outcome<> open(SaveMode mode) override;
   Outcome<> confirmSaveMode(SaveMode mode) override;
@@ -86,7 +89,8 @@ class FakeCamera : public Camera {
   Outcome<CameraEvent> waitForEvent() override;
   Outcome<> download(const CameraFile& file, PhotoSink& sink) override;
   Outcome<std::uint64_t> cardFreeKib() override;
-  Outcome<std::vector<CameraFile>> newestCardFolder() override;
+  Outcome<std::vector<CameraFile>> newestCardFiles() override;
+  Outcome<CameraFile> withSize(const CameraFile& file) override;
   void close() override { sessionOpen = false; }
   void abandon() override { sessionOpen = false; }
 
@@ -106,7 +110,12 @@ class FakeCamera : public Camera {
   };
   std::optional<Failure> lossNow() const;
 
+  void goOnMeanwhile() const {
+    if (_act) _act();
+  }
+
   FakeChannel& _channel;
+  std::function<void()> _act;
   std::deque<Happening> _happenings;
   std::vector<Stored> _photos;
   std::optional<Loss> _lossAt;

@@ -6,6 +6,7 @@
 
 #include "camera/Descriptors.h"
 #include "camera/GphotoCamera.h"
+#include "camera/HostIdentity.h"
 
 // Everything behind an open session is tested against the simulated camera.
 namespace ambrel::camera {
@@ -14,7 +15,7 @@ namespace {
 class GphotoCamera : public ::testing::Test {
  protected:
   camera::GphotoCamera at(const std::string& port) {
-    return {port, watchdog, [](const std::string&) {}};
+    return {port, hostIdentity(), watchdog, [](const std::string&) {}};
   }
   // A port of loopback that nobody listens on.
   static std::string closedPort() {

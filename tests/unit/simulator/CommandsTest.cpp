@@ -156,9 +156,10 @@ TEST_F(CommandsTest, AnswerBusyForACountOrAnOperation) {
 TEST_F(CommandsTest, SetOneThingWithoutTheOther) {
   run("set rate=1000");
   run("set silent=1");
-  EXPECT_EQ(run("status"), "ok power=1 cable=1 card=1 host=0 target=card shots=0 silent=1 rate=1000\n");
+  EXPECT_EQ(run("status"),
+            "ok power=1 cable=1 card=1 host=0 target=card shots=0 silent=1 rate=1000 hostid=\n");
   run("set rate=0 silent=0");
-  EXPECT_EQ(run("status"), "ok power=1 cable=1 card=1 host=0 target=card shots=0 silent=0 rate=0\n");
+  EXPECT_EQ(run("status"), "ok power=1 cable=1 card=1 host=0 target=card shots=0 silent=0 rate=0 hostid=\n");
 }
 
 TEST_F(CommandsTest, Quit) {

@@ -45,6 +45,16 @@ TEST_F(PtpIpServerTest, LetsAHostInAndAnswersIt) {
   EXPECT_EQ(reply->data, ByteWriter().u32(1).u32(0x00010001).take());
 }
 
+TEST_F(PtpIpServerTest, TellsWhichHostItLetIn) {
+  EXPECT_EQ(_server.hostId(), "");
+  PtpIpHost first = host();
+  ASSERT_TRUE(first.openSession());
+  std::string expected;
+  for (int i = 0; i < 16; ++i)
+    expected += "42";
+  EXPECT_EQ(_server.hostId(), expected);
+}
+
 TEST_F(PtpIpServerTest, GivesALargePhotoWhole) {
   PtpIpHost first = host();
   ASSERT_TRUE(first.openSession());
