@@ -127,6 +127,18 @@ Files::MoveResult BrokenFiles::copyWhole(const QString& from, const QString& to)
   return call.after(_real.copyWhole(from, to));
 }
 
+Result<void> BrokenFiles::copyToNew(const QString& from, const QString& to) {
+  Call call(*this, Operation::CopyToNew, from, to);
+  if (call.failure()) return Failure{*call.failure()};
+  return call.after(_real.copyToNew(from, to));
+}
+
+Result<void> BrokenFiles::moveReplacing(const QString& from, const QString& to) {
+  Call call(*this, Operation::MoveReplacing, from, to);
+  if (call.failure()) return Failure{*call.failure()};
+  return call.after(_real.moveReplacing(from, to));
+}
+
 Result<void> BrokenFiles::remove(const QString& path) {
   Call call(*this, Operation::Remove, path);
   if (call.failure()) return Failure{*call.failure()};

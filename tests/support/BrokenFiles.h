@@ -15,7 +15,17 @@ namespace ambrel {
 // other threads work with it.
 class BrokenFiles : public Files {
  public:
-  enum class Operation { Replace, ReplaceUnflushed, Flush, Move, Copy, Remove, Space };
+  enum class Operation {
+    Replace,
+    ReplaceUnflushed,
+    Flush,
+    Move,
+    Copy,
+    CopyToNew,
+    MoveReplacing,
+    Remove,
+    Space
+  };
   // Runs on the thread that called the operation, with its paths; the second is empty where there is only
   // one. May block or throw.
   using Hook = std::function<void(const QString& from, const QString& to)>;
@@ -39,6 +49,8 @@ class BrokenFiles : public Files {
   Result<void> flush(const QString& path) override;
   MoveResult moveWithoutOverwriting(const QString& from, const QString& to) override;
   MoveResult copyWhole(const QString& from, const QString& to) override;
+  Result<void> copyToNew(const QString& from, const QString& to) override;
+  Result<void> moveReplacing(const QString& from, const QString& to) override;
   Result<void> remove(const QString& path) override;
   VolumeSpace volumeSpace(const QString& path) override;
 

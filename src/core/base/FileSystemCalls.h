@@ -9,7 +9,7 @@
 namespace ambrel {
 
 // The system calls that PosixFiles is made of, one operation each, so that a test can fail any of them at any
-// moment. All answer as the system does: -1 (or null) and errno on failure. Three differ between platforms
+// moment. All answer as the system does: -1 (or null) and errno on failure. Four differ between platforms
 // and stand in a source of their own.
 class FileSystemCalls {
  public:
@@ -34,6 +34,8 @@ class FileSystemCalls {
   virtual int flush(int descriptor);
   // Copies up to `count` bytes from one file position to the other; 0 at the end of `from`.
   virtual ssize_t copyBytes(int from, int to, std::size_t count);
+  // Gives a file the times of last access and change that `status` holds.
+  virtual int setTimes(int descriptor, const struct stat& status);
 };
 
 }  // namespace ambrel

@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <stdio.h>
 #include <sys/sendfile.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "core/base/FileSystemCalls.h"
@@ -45,6 +46,11 @@ ssize_t FileSystemCalls::copyBytes(int from, int to, std::size_t count) {
   const ssize_t sent = ::sendfile(to, from, nullptr, count);
   if (sent >= 0 || !isUnsupported(errno)) return sent;
   return copyThroughMemory(from, to, count);
+}
+
+int FileSystemCalls::setTimes(int descriptor, const struct stat& status) {
+  const std::array<timespec, 2> times = {status.st_atim, status.st_mtim};
+  return ::futimens(descriptor, times.data());
 }
 
 }  // namespace ambrel

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <fcntl.h>
 #include <memory>
 #include <stdio.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "core/base/FileSystemCalls.h"
@@ -29,6 +31,11 @@ ssize_t FileSystemCalls::copyBytes(int from, int to, std::size_t count) {
     done += std::max<ssize_t>(written, 0);
   }
   return got;
+}
+
+int FileSystemCalls::setTimes(int descriptor, const struct stat& status) {
+  const std::array<timespec, 2> times = {status.st_atimespec, status.st_mtimespec};
+  return ::futimens(descriptor, times.data());
 }
 
 }  // namespace ambrel

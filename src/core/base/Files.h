@@ -16,8 +16,8 @@ struct VolumeSpace {
 };
 
 // The few operations that must survive a full disk, a pulled drive or a crash. This is the only place that
-// replaces, moves or copies a file which the operator cares about. Paths are absolute and kept byte for byte
-// as QFile::encodeName writes them; one that holds a NUL is refused. Every failing step, flush and folder
+// replaces, moves or copies a file which the operator cares about. Paths are absolute and stand for the
+// bytes that ns_to_path gives; one that holds a NUL is refused. Every failing step, flush and folder
 // flush included, is a failure, and a failure leaves what was there before; only where the flush of the
 // folder comes last does a replaced file hold its new content, whole, although a crash may still undo that.
 // Safe to call from any thread; no call may run on the main thread where it flushes.
@@ -49,6 +49,12 @@ class Files {
   // Copies every byte to a temporary name beside `to`, flushes, compares sizes, then moves without
   // overwriting: Moved means that `to` is on the disk, complete. The source stays in any case.
   virtual MoveResult copyWhole(const QString& from, const QString& to) = 0;
+  // Copies every byte of a regular file to the name given, which must be free, with the times of its last
+  // use and change, and flushes the copy. Judging its size is the caller's; a failed copy is removed.
+  virtual Result<void> copyToNew(const QString& from, const QString& to) = 0;
+  // Renames within one volume and flushes the folder. A file at `to` is replaced, and so is a link, not what
+  // it names; a folder is not.
+  virtual Result<void> moveReplacing(const QString& from, const QString& to) = 0;
   virtual Result<void> remove(const QString& path) = 0;
 
   virtual VolumeSpace volumeSpace(const QString& path) = 0;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/base/PosixFiles.h"
 
-#include <QFile>
 #include <QRandomGenerator>
 #include <algorithm>
 #include <array>
@@ -10,6 +9,8 @@
 #include <limits.h>
 #include <system_error>
 #include <utility>
+
+#include "core/base/PathText.h"
 
 namespace ambrel {
 namespace {
@@ -50,7 +51,7 @@ auto uninterrupted(Call call) {
 Result<QByteArray> systemPath(const QString& path) {
   if (path.isEmpty()) return Failure{sentence(ENOENT)};
   if (path.contains(QChar::Null)) return Failure{sentence(EINVAL)};
-  return QFile::encodeName(path);
+  return QByteArray::fromStdString(ns_to_path(path));
 }
 
 QByteArray folderOf(const QByteArray& path) {
@@ -163,6 +164,16 @@ Result<void> copyAll(FileSystemCalls& calls, Descriptor& from, Descriptor& to, o
   if (source.st_size != size) return Failure{QStringLiteral("The file changed while it was copied")};
   if (copy.st_size != size) return Failure{QStringLiteral("The copy is incomplete")};
   return {};
+}
+
+// Whatever the file holds when its end is reached.
+Result<void> copyToEnd(FileSystemCalls& calls, Descriptor& from, Descriptor& to) {
+  for (;;) {
+    const ssize_t copied =
+        uninterrupted([&] { return calls.copyBytes(from.number(), to.number(), kCopyPiece); });
+    if (copied < 0) return lastFailure();
+    if (copied == 0) return {};
+  }
 }
 
 // The file to replace: what a link names rather than the link, and the permissions to keep.
@@ -319,6 +330,38 @@ MoveResult PosixFiles::copyWhole(const QString& from, const QString& to) {
     return failedMove(done.error());
   }
   return moved;
+}
+
+Result<void> PosixFiles::copyToNew(const QString& from, const QString& to) {
+  const Result<QByteArray> source = systemPath(from);
+  const Result<QByteArray> place = systemPath(to);
+  if (!source || !place) return Failure{source ? place.error() : source.error()};
+
+  Descriptor original(_calls, source.value(), O_RDONLY | O_NONBLOCK);
+  struct stat status = {};
+  if (!original.isOpen() || _calls.statusOf(original.number(), &status) != 0) return lastFailure();
+  if (!S_ISREG(status.st_mode)) return Failure{QStringLiteral("Not a regular file")};
+  Descriptor copy(_calls, place.value(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, status.st_mode & 0777);
+  if (!copy.isOpen()) return lastFailure();
+
+  Result<void> done = copyToEnd(_calls, original, copy);
+  // Not every volume keeps times, and a photo is worth a backup without them.
+  (void)_calls.setTimes(copy.number(), status);
+  if (done) done = copy.flush();
+  if (done) done = copy.close();
+  if (!done) _calls.unlink(place.value().constData());
+  return done;
+}
+
+Result<void> PosixFiles::moveReplacing(const QString& from, const QString& to) {
+  const Result<QByteArray> source = systemPath(from);
+  const Result<QByteArray> place = systemPath(to);
+  if (!source || !place) return Failure{source ? place.error() : source.error()};
+  // Opened before anything changes: from the rename on, only the flush itself can fail.
+  Descriptor folder(_calls, folderOf(place.value()), O_RDONLY | O_DIRECTORY);
+  if (!folder.isOpen()) return lastFailure();
+  if (_calls.rename(source.value().constData(), place.value().constData()) != 0) return lastFailure();
+  return flushFolder(_calls, folder);
 }
 
 Result<void> PosixFiles::remove(const QString& path) {

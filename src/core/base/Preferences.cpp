@@ -23,10 +23,12 @@ constexpr const char* kBackupMAC = "AmbrelBackupMAC";                        // 
 constexpr const char* kBackupHost = "AmbrelBackupHost";                      // text
 constexpr const char* kLastUpdateCheck = "AmbrelLastUpdateCheck";            // date
 constexpr const char* kSuffixes = "AmbrelSuffixes";                          // list of maps
+constexpr const char* kWindowPlacement = "AmbrelWindowPlacement";            // text
 
-constexpr std::array kKeys = {kLastCSVPath, kLastTargetDir, kLastSelectedRowIndex, kLastCounterValue,
-                              kAutoConnect, kBackupDir,     kBackupEnabled,        kBackupShareURL,
-                              kBackupMAC,   kBackupHost,    kLastUpdateCheck,      kSuffixes};
+constexpr std::array kKeys = {kLastCSVPath,    kLastTargetDir, kLastSelectedRowIndex, kLastCounterValue,
+                              kAutoConnect,    kBackupDir,     kBackupEnabled,        kBackupShareURL,
+                              kBackupMAC,      kBackupHost,    kLastUpdateCheck,      kSuffixes,
+                              kWindowPlacement};
 
 constexpr auto kYes = "true";
 constexpr auto kNo = "false";
@@ -176,6 +178,13 @@ std::optional<QVariantList> Preferences::suffixes() const {
 }
 void Preferences::setSuffixes(const QVariantList& suffixes) {
   set(kSuffixes, suffixes);
+}
+
+std::optional<QString> Preferences::windowPlacement() const {
+  return text(_values, kWindowPlacement);
+}
+void Preferences::setWindowPlacement(const QString& placement) {
+  set(kWindowPlacement, placement);
 }
 
 void Preferences::removeWorkflowKeys() {

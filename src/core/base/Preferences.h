@@ -49,6 +49,10 @@ class Preferences {
   std::optional<QVariantList> suffixes() const;
   void setSuffixes(const QVariantList& suffixes);
 
+  // Size and divider of the main window, in a text of the window's own.
+  std::optional<QString> windowPlacement() const;
+  void setWindowPlacement(const QString& placement);
+
   // The four keys that the workflow reset forgets: list file, target folder, row, counter.
   void removeWorkflowKeys();
   // Starts writing what was set; nothing to do when nothing changed. The file follows within moments.

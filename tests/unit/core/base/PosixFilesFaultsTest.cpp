@@ -8,6 +8,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "core/base/PosixFiles.h"
@@ -167,24 +168,64 @@ Scenario movingAFolder(Volume volume) {
           .volume = volume};
 }
 
+// The copy is taken back when anything after its making fails.
+Scenario makingACopy(std::function<QString(Files&, const QString& from, const QString& to)> copy,
+                     Volume volume) {
+  return {.prepare = [](const QString& folder) { write(folder + "/from", "photo"); },
+          .run = [copy = std::move(copy)](
+                     Files& files,
+                     const QString& folder) { return copy(files, folder + "/from", folder + "/to"); },
+          .expectDone =
+              [](const QString& folder) {
+                EXPECT_EQ(read(folder + "/to"), "photo");
+                EXPECT_EQ(namesIn(folder), (QStringList{"from", "to"}));
+              },
+          .expectUntouched =
+              [](const QString& folder, const FailingCalls& calls) {
+                EXPECT_EQ(read(folder + "/from"), "photo");
+                if (cleansUp(calls)) {
+                  EXPECT_EQ(namesIn(folder), QStringList{"from"});
+                }
+              },
+          .volume = volume};
+}
+
 Scenario copying(Volume volume) {
-  return {
-      .prepare = [](const QString& folder) { write(folder + "/from", "photo"); },
-      .run = [](Files& files,
-                const QString& folder) { return files.copyWhole(folder + "/from", folder + "/to").error(); },
-      .expectDone =
-          [](const QString& folder) {
-            EXPECT_EQ(read(folder + "/to"), "photo");
-            EXPECT_EQ(namesIn(folder), (QStringList{"from", "to"}));
-          },
-      .expectUntouched =
-          [](const QString& folder, const FailingCalls& calls) {
-            EXPECT_EQ(read(folder + "/from"), "photo");
-            if (cleansUp(calls)) {
-              EXPECT_EQ(namesIn(folder), QStringList{"from"});
-            }
-          },
-      .volume = volume};
+  return makingACopy(
+      [](Files& files, const QString& from, const QString& to) { return files.copyWhole(from, to).error(); },
+      volume);
+}
+
+Scenario copyingToANewName() {
+  return makingACopy(
+      [](Files& files, const QString& from, const QString& to) { return files.copyToNew(from, to).error(); },
+      Volume::Complete);
+}
+
+Scenario movingOverAFile() {
+  return {.prepare =
+              [](const QString& folder) {
+                write(folder + "/from", "photo");
+                write(folder + "/to", "the old copy");
+              },
+          .run =
+              [](Files& files, const QString& folder) {
+                return files.moveReplacing(folder + "/from", folder + "/to").error();
+              },
+          .expectDone =
+              [](const QString& folder) {
+                EXPECT_EQ(read(folder + "/to"), "photo");
+                EXPECT_EQ(namesIn(folder), QStringList{"to"});
+              },
+          .expectUntouched =
+              [](const QString& folder, const FailingCalls& calls) {
+                // Only the flush of the folder can fail once the file has its name.
+                const bool moved = calls.failedCall == "flush" && read(folder + "/to") == "photo";
+                if (!moved) {
+                  EXPECT_EQ(read(folder + "/from"), "photo");
+                  EXPECT_EQ(read(folder + "/to"), "the old copy");
+                }
+              }};
 }
 
 // An operation that finds its destination taken: whatever fails, the file that is there stays.
@@ -245,6 +286,14 @@ TEST(PosixFilesFaults, EveryFailureOfReplacingThroughALinkKeepsLinkAndFile) {
     }
   };
   failEveryCallOf(scenario);
+}
+
+TEST(PosixFilesFaults, EveryFailureOfACopyToANewNameIsReportedAndKeepsTheSource) {
+  failEveryCallOf(copyingToANewName());
+}
+
+TEST(PosixFilesFaults, EveryFailureOfAMoveOverAFileIsReportedAndKeepsBoth) {
+  failEveryCallOf(movingOverAFile());
 }
 
 TEST(PosixFilesFaults, EveryFailureOfAMoveIsReportedAndKeepsTheSource) {

@@ -2,6 +2,7 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -85,6 +86,45 @@ TEST_F(PosixFilesTest, NeverCopiesOverAFile) {
   EXPECT_EQ(files.copyWhole(at("a"), at("b")).outcome, Outcome::Taken);
   EXPECT_EQ(read("b"), "other");
   EXPECT_EQ(names(), (QStringList{"a", "b"}));
+}
+
+TEST_F(PosixFilesTest, CopiesToANewNameWithTheTimeOfTheSource) {
+  write("a", "photo");
+  const timespec times[2] = {{1'700'000'000, 0}, {1'600'000'000, 0}};
+  ASSERT_EQ(::utimensat(AT_FDCWD, QFile::encodeName(at("a")).constData(), times, 0), 0);
+  ASSERT_TRUE(files.copyToNew(at("a"), at("b")));
+  EXPECT_EQ(read("b"), "photo");
+  EXPECT_EQ(QFileInfo(at("b")).lastModified().toSecsSinceEpoch(), 1'600'000'000);
+}
+
+TEST_F(PosixFilesTest, NeverCopiesToANameThatIsTakenNotEvenByADanglingLink) {
+  write("a", "photo");
+  write("b", "other");
+  ASSERT_TRUE(QFile::link(at("outside"), at("link")));
+  EXPECT_EQ(files.copyToNew(at("a"), at("b")).error(), "File exists");
+  EXPECT_EQ(files.copyToNew(at("a"), at("link")).error(), "File exists");
+  EXPECT_EQ(read("b"), "other");
+  EXPECT_FALSE(QFile::exists(at("outside")));
+}
+
+TEST_F(PosixFilesTest, CopiesNothingButRegularFilesToANewName) {
+  ASSERT_EQ(::mkfifo(QFile::encodeName(at("pipe")).constData(), 0600), 0);
+  EXPECT_EQ(files.copyToNew(at("pipe"), at("b")).error(), "Not a regular file");
+  EXPECT_EQ(files.copyToNew(_folder.path(), at("b")).error(), "Not a regular file");
+  EXPECT_EQ(names(), QStringList{"pipe"});
+}
+
+TEST_F(PosixFilesTest, MovesOverAFileOrALinkButNeverOverAFolder) {
+  write("a", "photo");
+  write("real", "other");
+  ASSERT_TRUE(QFile::link(at("real"), at("link")));
+  ASSERT_TRUE(files.moveReplacing(at("a"), at("link")));
+  EXPECT_EQ(read("link"), "photo");
+  EXPECT_EQ(read("real"), "other");
+  ASSERT_TRUE(files.moveReplacing(at("link"), at("real")));
+  EXPECT_EQ(names(), QStringList{"real"});
+  ASSERT_TRUE(QDir(_folder.path()).mkdir("folder"));
+  EXPECT_EQ(files.moveReplacing(at("real"), at("folder")).error(), "Is a directory");
 }
 
 // ---- Replacing
@@ -239,7 +279,12 @@ TEST_F(PosixFilesTest, RemovesAFileAndReportsWhatCannotBeRemoved) {
   write("a", "photo");
   EXPECT_TRUE(files.remove(at("a")));
   EXPECT_EQ(files.remove(at("a")).error(), "No such file or directory");
-  EXPECT_FALSE(files.remove(_folder.path()));
+}
+
+TEST_F(PosixFilesTest, RemovesNoFolder) {
+  ASSERT_TRUE(QDir(_folder.path()).mkdir("folder"));
+  EXPECT_FALSE(files.remove(at("folder")));
+  EXPECT_EQ(names(), QStringList{"folder"});
 }
 
 TEST_F(PosixFilesTest, TellsFreeAndTotalBytesOfAVolume) {

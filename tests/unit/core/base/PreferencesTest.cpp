@@ -42,6 +42,7 @@ TEST_F(PreferencesTest, ReadsEveryKeyAsAbsentWhenThereIsNoFile) {
   EXPECT_EQ(preferences.backupHost(), std::nullopt);
   EXPECT_EQ(preferences.lastUpdateCheck(), std::nullopt);
   EXPECT_EQ(preferences.suffixes(), std::nullopt);
+  EXPECT_EQ(preferences.windowPlacement(), std::nullopt);
 }
 
 TEST_F(PreferencesTest, KeepsEveryKeyAcrossLaunches) {
@@ -66,6 +67,7 @@ TEST_F(PreferencesTest, KeepsEveryKeyAcrossLaunches) {
     preferences.setBackupHost(QStringLiteral("nas"));
     preferences.setLastUpdateCheck(checked);
     preferences.setSuffixes(tags);
+    preferences.setWindowPlacement(QStringLiteral("1260x840/613"));
   }
   const Preferences preferences(path());
   EXPECT_EQ(preferences.lastCSVPath(), QStringLiteral("/lists/a, b; \"c\" = d\\e.csv"));
@@ -80,6 +82,7 @@ TEST_F(PreferencesTest, KeepsEveryKeyAcrossLaunches) {
   EXPECT_EQ(preferences.backupHost(), QStringLiteral("nas"));
   EXPECT_EQ(preferences.lastUpdateCheck(), checked);
   EXPECT_EQ(preferences.suffixes(), tags);
+  EXPECT_EQ(preferences.windowPlacement(), QStringLiteral("1260x840/613"));
 }
 
 TEST_F(PreferencesTest, StoresEveryValueUnderItsOwnKey) {
@@ -97,6 +100,7 @@ TEST_F(PreferencesTest, StoresEveryValueUnderItsOwnKey) {
     preferences.setBackupHost(QStringLiteral("f"));
     preferences.setLastUpdateCheck(QDateTime(QDate(2026, 1, 1), QTime(), Qt::UTC));
     preferences.setSuffixes({QVariantMap{}});
+    preferences.setWindowPlacement(QStringLiteral("g"));
   }
   const QStringList keys = QSettings(path(), QSettings::IniFormat).allKeys();
   const QStringList expected = {QStringLiteral("AmbrelAutoConnectV2"),
@@ -110,7 +114,8 @@ TEST_F(PreferencesTest, StoresEveryValueUnderItsOwnKey) {
                                 QStringLiteral("AmbrelLastSelectedRowIndex"),
                                 QStringLiteral("AmbrelLastTargetDir"),
                                 QStringLiteral("AmbrelLastUpdateCheck"),
-                                QStringLiteral("AmbrelSuffixes")};
+                                QStringLiteral("AmbrelSuffixes"),
+                                QStringLiteral("AmbrelWindowPlacement")};
   EXPECT_EQ(keys, expected);
 }
 

@@ -37,6 +37,34 @@ TEST(Bytes, AreNoneForANullText) {
   EXPECT_EQ(ns_to_std(QString()), "");
 }
 
+TEST(LowerCase, IsAppendedAsTheTextWouldGiveIt) {
+  for (const std::string& bytes :
+       {std::string("Anna-Maria O'Neil @[`{ 9"), std::string("ŁUKASZ Straße ΣΟΦΊΑΣ"),
+        std::string("İstanbul \u212A"), std::string("A\0B", 3), std::string("😀 JOSÉ"),
+        std::string("\xEF\xBB\xBFMark"), std::string()}) {
+    QByteArray out("Before ");
+    append_lower_cased(out, bytes);
+    EXPECT_EQ(out, "Before " + std_to_ns(bytes).toLower().toUtf8());
+  }
+}
+
+TEST(LowerCase, IsThatOfTheTextForEveryCharacterOfTheFirstPlanes) {
+  for (char32_t character = 0; character < 0x3000; ++character) {
+    const QString text = QString::fromUcs4(&character, 1) + QLatin1Char('A');
+    QByteArray out;
+    append_lower_cased(out, ns_to_std(text));
+    ASSERT_EQ(out, text.toLower().toUtf8()) << static_cast<unsigned>(character);
+  }
+}
+
+TEST(LowerCase, AppendsNothingForBytesThatAreNotUtf8) {
+  for (const char* bytes : {"JOS\xC3", "\xC3\xFF", "\xC2\xC3\x89", "\x80", "\xC3\x89\xFF"}) {
+    QByteArray out("before");
+    append_lower_cased(out, bytes);
+    EXPECT_EQ(out, "before") << bytes;
+  }
+}
+
 TEST(PluralEnding, IsEmptyForExactlyOne) {
   EXPECT_EQ(pluralEnding(1), "");
   for (const qint64 count : {qint64{0}, qint64{2}, qint64{-1}, qint64{1000}}) {
