@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/list/DisplayOrder.h"
 
-#include <QCollator>
 #include <algorithm>
+#include <numeric>
 
 #include "core/base/Text.h"
 
@@ -12,51 +12,6 @@ namespace {
 
 QString searchNeedle(const QString& searchText) {
   return NSTrim(searchText).toLower();
-}
-
-bool passesFilter(const NameGrid& grid, qint64 row, CaptureFilter filter) {
-  switch (filter) {
-    case CaptureFilter::All:
-      return true;
-    case CaptureFilter::WithPhotos:
-      return grid.capturedForModelRow(row) >= 1;
-    case CaptureFilter::Remaining:
-      return grid.capturedForModelRow(row) < 1;
-  }
-  return true;
-}
-
-// Name and note as one text, so that a needle can match across the blank between them.
-bool matches(const NameGrid& grid, qint64 row, const QString& needle) {
-  const Row& cells = grid.rows()[static_cast<std::size_t>(row)];
-  QString haystack = grid.text(row, Cell::Name);
-  if (cells.size() >= 2) haystack += QLatin1Char(' ') + grid.text(row, Cell::Note);
-  return haystack.toLower().contains(needle);
-}
-
-// The user's own alphabet. The C locale has none and compares bytes, upper case before lower.
-QCollator nameCollator() {
-  const QLocale locale = QLocale().collation();
-  QCollator collator(locale.language() == QLocale::C ? QLocale(QLocale::English) : locale);
-  collator.setCaseSensitivity(Qt::CaseInsensitive);
-  return collator;
-}
-
-void sortByName(const NameGrid& grid, std::vector<qint64>& rows, SortMode mode) {
-  struct Keyed {
-    QCollatorSortKey key;
-    qint64 row;
-  };
-  const QCollator collator = nameCollator();
-  std::vector<Keyed> keyed;
-  keyed.reserve(rows.size());
-  for (const qint64 row : rows)
-    keyed.push_back({collator.sortKey(grid.text(row, Cell::Name)), row});
-  // Equal names keep their list order both ways: descending is not ascending reversed.
-  std::stable_sort(keyed.begin(), keyed.end(), [mode](const Keyed& a, const Keyed& b) {
-    return mode == SortMode::Ascending ? a.key.compare(b.key) < 0 : b.key.compare(a.key) < 0;
-  });
-  std::transform(keyed.begin(), keyed.end(), rows.begin(), [](const Keyed& k) { return k.row; });
 }
 
 }  // namespace
@@ -137,13 +92,52 @@ qint64 DisplayOrder::displayRowForModelRow(qint64 modelRow) const {
 
 void DisplayOrder::rebuild(const NameGrid& grid, const DisplayRule& rule) {
   const QString needle = searchNeedle(rule.searchText);
-  _filteredRows.clear();
-  _filteredRows.reserve(static_cast<std::size_t>(grid.rowCount()));
-  for (qint64 row = 0; row < grid.rowCount(); ++row) {
-    if (!passesFilter(grid, row, rule.captureFilter)) continue;
-    if (needle.isEmpty() || matches(grid, row, needle)) _filteredRows.push_back(row);
+  if (needle.isEmpty()) {
+    _filteredRows.resize(grid.rows().size());
+    std::iota(_filteredRows.begin(), _filteredRows.end(), 0);
+  } else {
+    _searchText.update(grid);
+    _searchText.findRows(needle, _filteredRows);
   }
-  if (rule.sortMode != SortMode::ListOrder) sortByName(grid, _filteredRows, rule.sortMode);
+  if (rule.captureFilter != CaptureFilter::All) keepFilter(grid, rule.captureFilter);
+  if (rule.sortMode == SortMode::ListOrder) return;
+  _sortedNames.update(grid);
+  putIntoOrder(rule.sortMode == SortMode::Ascending ? _sortedNames.ascending() : _sortedNames.descending());
+}
+
+void DisplayOrder::updatePhotoFlags(const NameGrid& grid) {
+  const GridChanges changes = grid.changesSince(_photoFlagsRevision);
+  _photoFlagsRevision = grid.revision();
+  const auto read = [&](qint64 row) {
+    _hasPhotos[static_cast<std::size_t>(row)] = grid.capturedForModelRow(row) >= 1 ? 1 : 0;
+  };
+  if (changes.everything) {
+    _hasPhotos.resize(grid.rows().size());
+    for (qint64 row = 0; row < grid.rowCount(); ++row)
+      read(row);
+  } else {
+    std::for_each(changes.rows.begin(), changes.rows.end(), read);
+  }
+}
+
+void DisplayOrder::keepFilter(const NameGrid& grid, CaptureFilter filter) {
+  updatePhotoFlags(grid);
+  const char hidden = filter == CaptureFilter::WithPhotos ? 0 : 1;
+  std::erase_if(_filteredRows,
+                [&](qint64 row) { return _hasPhotos[static_cast<std::size_t>(row)] == hidden; });
+}
+
+void DisplayOrder::putIntoOrder(const std::vector<qint64>& order) {
+  if (_filteredRows.size() == order.size()) {
+    _filteredRows = order;
+    return;
+  }
+  std::vector<char> shown(order.size());
+  for (const qint64 row : _filteredRows)
+    shown[static_cast<std::size_t>(row)] = 1;
+  auto next = _filteredRows.begin();
+  for (const qint64 row : order)
+    if (shown[static_cast<std::size_t>(row)] != 0) *next++ = row;
 }
 
 }  // namespace ambrel

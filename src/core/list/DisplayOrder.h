@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "core/list/NameGrid.h"
+#include "core/list/SearchText.h"
+#include "core/list/SortedNames.h"
 
 namespace ambrel {
 
@@ -31,7 +33,8 @@ struct DisplayRule {
   bool showsListAsItIs() const;
 };
 
-// The rows that the table shows: a model row per display row.
+// The rows that the table shows: a model row per display row. What a search or a sort needs of the list is
+// prepared by the first of them and kept up to date, so that a key press costs little in a long list.
 class DisplayOrder {
  public:
   const std::vector<qint64>& filteredRows() const { return _filteredRows; }
@@ -39,11 +42,20 @@ class DisplayOrder {
   qint64 modelRowForDisplayRow(qint64 displayRow) const;
   qint64 displayRowForModelRow(qint64 modelRow) const;
 
+  // Always the same grid.
   void rebuild(const NameGrid& grid, const DisplayRule& rule);
   void clear() { _filteredRows.clear(); }
 
  private:
+  void updatePhotoFlags(const NameGrid& grid);
+  void keepFilter(const NameGrid& grid, CaptureFilter filter);
+  void putIntoOrder(const std::vector<qint64>& order);
+
   std::vector<qint64> _filteredRows;
+  SearchText _searchText;
+  SortedNames _sortedNames;
+  std::vector<char> _hasPhotos;  // by model row
+  std::uint64_t _photoFlagsRevision = 0;
 };
 
 }  // namespace ambrel

@@ -81,32 +81,25 @@ QByteArray writeGrid(const std::vector<Row>& rows, GridColumns columns) {
   return out.take();
 }
 
-void StoreText::update(const std::vector<Row>& rows, const GridChanges& changes) {
+void StoreText::update(const NameGrid& grid) {
+  const GridChanges changes = grid.changesSince(_seenRevision);
+  _seenRevision = grid.revision();
   if (!changes.everything) {
-    for (const std::int64_t row : changes.rows)
-      rewriteRow(rows[static_cast<std::size_t>(row)], static_cast<std::size_t>(row));
+    for (const std::int64_t row : changes.rows) {
+      Output out(kUsualRow);
+      writeRow(out, grid.rows()[static_cast<std::size_t>(row)], GridColumns::All);
+      _text.replace(static_cast<std::size_t>(row), out.take());
+    }
     return;
   }
-  Output out = outputFor(static_cast<qsizetype>(rows.size()), GridColumns::All);
-  _starts.assign(1, out.size());
-  _starts.reserve(rows.size() + 1);
-  for (const Row& row : rows) {
+  Output out = outputFor(static_cast<qsizetype>(grid.rowCount()), GridColumns::All);
+  std::vector<qsizetype> starts = {out.size()};
+  starts.reserve(grid.rows().size() + 1);
+  for (const Row& row : grid.rows()) {
     writeRow(out, row, GridColumns::All);
-    _starts.push_back(out.size());
+    starts.push_back(out.size());
   }
-  _bytes = out.take();
-}
-
-void StoreText::rewriteRow(const Row& row, std::size_t index) {
-  Output out(kUsualRow);
-  writeRow(out, row, GridColumns::All);
-  const QByteArray line = out.take();
-  const qsizetype before = _starts[index + 1] - _starts[index];
-  _bytes.replace(_starts[index], before, line);
-  const qsizetype growth = line.size() - before;
-  if (growth == 0) return;
-  std::for_each(_starts.begin() + static_cast<std::ptrdiff_t>(index) + 1, _starts.end(),
-                [growth](qsizetype& start) { start += growth; });
+  _text.assign(out.take(), std::move(starts));
 }
 
 }  // namespace ambrel

@@ -2,9 +2,11 @@
 #pragma once
 
 #include <QByteArray>
+#include <cstdint>
 #include <vector>
 
 #include "core/list/NameGrid.h"
+#include "core/list/RowBytes.h"
 
 // Writing a list in the CSV dialect: a header and one line per row, LF between them, none after the last.
 namespace ambrel {
@@ -20,15 +22,13 @@ QByteArray writeGrid(const std::vector<Row>& rows, GridColumns columns);
 // writing the others out again would cost more than the disk does.
 class StoreText {
  public:
-  // `changes` says what differs from the rows of the last call.
-  void update(const std::vector<Row>& rows, const GridChanges& changes);
-  const QByteArray& bytes() const { return _bytes; }
+  // Takes over what changed in the grid; always the same grid.
+  void update(const NameGrid& grid);
+  const QByteArray& bytes() const { return _text.bytes(); }
 
  private:
-  void rewriteRow(const Row& row, std::size_t index);
-
-  QByteArray _bytes;
-  std::vector<qsizetype> _starts;  // where each row begins, and where the last ends
+  RowBytes _text;
+  std::uint64_t _seenRevision = 0;
 };
 
 }  // namespace ambrel

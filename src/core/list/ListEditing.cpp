@@ -49,6 +49,16 @@ Question addOrReplaceQuestion(qint64 rows) {
           {QStringLiteral("Add"), QStringLiteral("Replace"), QStringLiteral("Cancel")}};
 }
 
+Question noteQuestion(const NameGrid& grid, qint64 modelRow) {
+  const QRect place(0, 0, 320, 24);
+  return {QStringLiteral("Note for \"%1\"").arg(grid.text(modelRow, Cell::Name)),
+          QStringLiteral("Notes are saved with the list and included in Export."),
+          {QStringLiteral("Save"), QStringLiteral("Cancel")},
+          Accessory{.size = place.size(),
+                    .textFields = {{place, grid.text(modelRow, Cell::Note)}},
+                    .focusFirstField = true}};
+}
+
 }  // namespace
 
 QStringList droppedCSVPaths(const QStringList& paths) {
@@ -134,6 +144,14 @@ void ListEditing::ctxDeleteRow(qint64 targetModelRow) {
   const qint64 last = _list.grid().rowCount() - 1;
   _list.setSelectedRow(std::min(_list.selectedRow(), last));
   _list.afterRowMutationSelect(std::min(targetModelRow, last));
+}
+
+void ListEditing::ctxEditNote(qint64 targetModelRow) {
+  if (!_list.grid().contains(targetModelRow)) return;
+  if (_list.grid().rows()[static_cast<std::size_t>(targetModelRow)].empty()) return;
+  _operator.ask(noteQuestion(_list.grid(), targetModelRow), [this, targetModelRow](const Answer& answer) {
+    if (answer.button == 0) _list.setObjectValue(NSTrim(answer.texts.value(0)), Cell::Note, targetModelRow);
+  });
 }
 
 bool ListEditing::canMovePhotos(const TableDrop& drop) const {

@@ -49,6 +49,8 @@ class ListEditing : public QObject {
   void ctxInsertAbove(qint64 targetModelRow);
   void ctxInsertBelow(qint64 targetModelRow);
   void ctxDeleteRow(qint64 targetModelRow);
+  // Asks for the row's note. Trimmed, unlike what is typed under the table.
+  void ctxEditNote(qint64 targetModelRow);
 
   DropAnswer validateDrop(const TableDrop& drop) const;
   // False when the drop is refused.

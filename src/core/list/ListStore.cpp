@@ -21,8 +21,8 @@ bool ListStore::exists() const {
   return QFile::exists(gridStorePath());
 }
 
-bool ListStore::save(NameGrid& grid) {
-  _text.update(grid.rows(), grid.takeChanges());
+bool ListStore::save(const NameGrid& grid) {
+  _text.update(grid);
   const Result<void> written = _files.replaceWholeUnflushed(gridStorePath(), _text.bytes());
   if (written) _flusher.request();
   return written.ok();

@@ -23,7 +23,7 @@ class ListStore {
   QString gridStorePath() const;
   bool exists() const;
   // Writes the list as it stands; always the same grid.
-  bool save(NameGrid& grid);
+  bool save(const NameGrid& grid);
   // None when there is no store file; an unreadable one gives no rows.
   std::optional<std::vector<Row>> load() const;
   void remove();

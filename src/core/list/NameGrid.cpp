@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/list/NameGrid.h"
 
-#include <QSet>
 #include <algorithm>
 #include <cstdlib>
+#include <string_view>
+#include <unordered_set>
 #include <utility>
 
 #include "core/base/Text.h"
@@ -36,8 +37,9 @@ void NameGrid::setBytes(std::int64_t modelRow, Cell cell, std::string value) {
   const auto index = static_cast<std::size_t>(cell);
   if (row.size() <= index) row.resize(index + 1);
   row[index] = std::move(value);
-  if (_changes.rows.size() == kMostChangesTold) _changes = {true};
-  if (!_changes.everything) _changes.rows.push_back(modelRow);
+  if (_changedRows.size() == kMostChangesTold) _changedRows.erase(_changedRows.begin());
+  _changedRows.push_back(modelRow);
+  ++_revision;
   if (cell == Cell::Name) ++_namesRevision;
 }
 
@@ -57,48 +59,57 @@ void NameGrid::setMarker(bool marked, std::int64_t modelRow) {
   setBytes(modelRow, Cell::Marker, marked ? "1" : "");
 }
 
-std::set<QString> NameGrid::duplicateNameSet() const {
-  QSet<QString> seen;
-  std::set<QString> duplicates;
-  for (std::int64_t row = 0; row < rowCount(); ++row) {
-    const QString name = text(row, Cell::Name).toLower();
-    if (name.isEmpty()) continue;
-    if (seen.contains(name)) {
-      duplicates.insert(name);
-    } else {
-      seen.insert(name);
-    }
+QSet<QString> NameGrid::duplicateNameSet() const {
+  QByteArray names;
+  std::vector<qsizetype> ends;
+  ends.reserve(_rows.size());
+  for (const Row& row : _rows) {
+    if (!row.empty()) append_lower_cased(names, row.front());
+    ends.push_back(names.size());
+  }
+  std::unordered_set<std::string_view> seen;
+  seen.reserve(_rows.size());
+  QSet<QString> duplicates;
+  qsizetype start = 0;
+  for (const qsizetype end : ends) {
+    const std::string_view name(names.constData() + start, static_cast<std::size_t>(end - start));
+    start = end;
+    if (!name.empty() && !seen.insert(name).second) duplicates.insert(std_to_ns(name));
   }
   return duplicates;
 }
 
 void NameGrid::append(Row row) {
   _rows.push_back(std::move(row));
-  _changes = {true};
-  ++_namesRevision;
+  rowsChanged();
 }
 
 void NameGrid::insert(std::int64_t position, Row row) {
-  _changes = {true};
   _rows.insert(_rows.begin() + std::clamp<std::int64_t>(position, 0, rowCount()), std::move(row));
-  ++_namesRevision;
+  rowsChanged();
 }
 
 void NameGrid::remove(std::int64_t modelRow) {
   if (!contains(modelRow)) return;
   _rows.erase(_rows.begin() + modelRow);
-  _changes = {true};
-  ++_namesRevision;
+  rowsChanged();
 }
 
 void NameGrid::replaceAll(std::vector<Row> rows) {
   _rows = std::move(rows);
-  _changes = {true};
+  rowsChanged();
+}
+
+void NameGrid::rowsChanged() {
+  _changedRows.clear();
+  ++_revision;
   ++_namesRevision;
 }
 
-GridChanges NameGrid::takeChanges() {
-  return std::exchange(_changes, {});
+GridChanges NameGrid::changesSince(std::uint64_t revision) const {
+  const std::uint64_t changes = _revision - revision;
+  if (changes > _changedRows.size()) return {true};
+  return {false, {_changedRows.end() - static_cast<std::ptrdiff_t>(changes), _changedRows.end()}};
 }
 
 }  // namespace ambrel

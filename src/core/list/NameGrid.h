@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <QSet>
 #include <QString>
 #include <cstdint>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -15,7 +15,7 @@ using Row = std::vector<std::string>;
 
 enum class Cell : std::size_t { Name = 0, Note = 1, Captured = 2, Marker = 3 };
 
-// What became different in the grid since it was last asked.
+// What became different in the grid since an earlier revision.
 struct GridChanges {
   bool everything = false;  // rows came, went or moved, or many changed; `rows` says nothing then
   std::vector<std::int64_t> rows = {};
@@ -44,9 +44,13 @@ class NameGrid {
   void setMarker(bool marked, std::int64_t modelRow);
 
   // Lower-cased names (Unicode) that two or more rows share; empty names do not count.
-  std::set<QString> duplicateNameSet() const;
-  // Another number after every change that can alter what duplicateNameSet() gives.
+  QSet<QString> duplicateNameSet() const;
+  // Another number after every change of a name, and of which rows there are or their order; never 0.
   std::uint64_t namesRevision() const { return _namesRevision; }
+  // Grows with every change; never 0. Who mirrors the grid elsewhere remembers the one that it has seen.
+  std::uint64_t revision() const { return _revision; }
+  // `everything` for a revision too long ago, 0 among them.
+  GridChanges changesSince(std::uint64_t revision) const;
 
   void append(Row row);
   void insert(std::int64_t position, Row row);  // position clamped to 0..rowCount
@@ -54,13 +58,13 @@ class NameGrid {
   void replaceAll(std::vector<Row> rows);
   void clear() { replaceAll({}); }
 
-  // For the one who mirrors the grid elsewhere: what to bring up to date.
-  GridChanges takeChanges();
-
  private:
+  void rowsChanged();
+
   std::vector<Row> _rows;
-  GridChanges _changes = {true};
-  std::uint64_t _namesRevision = 0;
+  std::vector<std::int64_t> _changedRows;  // by the last changes, one each
+  std::uint64_t _revision = 1;
+  std::uint64_t _namesRevision = 1;
 };
 
 }  // namespace ambrel

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <QCollator>
 #include <QLocale>
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <random>
 
+#include "core/base/Text.h"
 #include "core/list/DisplayOrder.h"
 
 namespace ambrel {
@@ -141,6 +145,130 @@ TEST(DisplayOrder, FollowsTheListWhenRebuilt) {
   EXPECT_EQ(order.filteredRows(), Rows{0});
   order.clear();
   EXPECT_EQ(order.filteredRows(), Rows{});
+}
+
+// What the table is to show, row by row and without anything prepared.
+Rows slowlyShown(const NameGrid& grid, const DisplayRule& rule) {
+  const QString needle = NSTrim(rule.searchText).toLower();
+  Rows rows;
+  for (qint64 row = 0; row < grid.rowCount(); ++row) {
+    const bool hasPhotos = grid.capturedForModelRow(row) >= 1;
+    if (rule.captureFilter == CaptureFilter::WithPhotos && !hasPhotos) continue;
+    if (rule.captureFilter == CaptureFilter::Remaining && hasPhotos) continue;
+    const std::size_t cells = grid.rows()[static_cast<std::size_t>(row)].size();
+    QString haystack;
+    if (cells >= 1) haystack = grid.text(row, Cell::Name);
+    if (cells >= 2) haystack += QLatin1Char(' ') + grid.text(row, Cell::Note);
+    if (haystack.toLower().contains(needle)) rows.push_back(row);
+  }
+  if (rule.sortMode == SortMode::ListOrder) return rows;
+  QCollator collator{QLocale(QLocale::English)};
+  collator.setCaseSensitivity(Qt::CaseInsensitive);
+  std::stable_sort(rows.begin(), rows.end(), [&](qint64 a, qint64 b) {
+    const int order = collator.compare(grid.text(a, Cell::Name), grid.text(b, Cell::Name));
+    return rule.sortMode == SortMode::Ascending ? order < 0 : order > 0;
+  });
+  return rows;
+}
+
+// Pieces of which random names, notes and needles are made: letters whose lower case is longer, shorter or in
+// another alphabet, marks, bytes that are no text.
+const std::vector<std::string> kPieces = {
+    "a", "A",    "n",    "N",  "an", " ",  "ß",  "É", "é",      "e\u0301", "Σ", "ς", "İ", "\u212A", "Ł",
+    "😀", "\xFF", "\xC3", "山", "Ⱥ",  "\n", "\t", ",", "\uFEFF", "1",       "-", "'", "B", "ﬁ",      "ǅ"};
+
+class RandomLists {
+ public:
+  explicit RandomLists(unsigned seed) : _random(seed) {}
+
+  std::size_t below(std::size_t count) { return _random() % count; }
+  std::string text(std::size_t most) {
+    std::string bytes;
+    for (std::size_t left = below(most + 1); left > 0; --left)
+      bytes += kPieces[below(kPieces.size())];
+    return bytes;
+  }
+  Row row() {
+    Row row(below(5));
+    if (!row.empty()) row[0] = text(6);
+    if (row.size() > 1) row[1] = text(6);
+    if (row.size() > 2) row[2] = std::to_string(static_cast<int>(below(4)) - 1);
+    if (row.size() > 3) row[3] = below(2) == 0 ? "1" : "";
+    return row;
+  }
+  std::vector<Row> rows() {
+    std::vector<Row> rows(below(60));
+    for (Row& each : rows)
+      each = row();
+    return rows;
+  }
+  DisplayRule rule() {
+    const QString needle = std_to_ns(text(3));
+    return {below(3) == 0 ? QString() : needle, static_cast<CaptureFilter>(below(3)),
+            static_cast<SortMode>(below(3))};
+  }
+  void edit(NameGrid& grid) {
+    const auto row = static_cast<std::int64_t>(below(static_cast<std::size_t>(grid.rowCount()) + 1));
+    switch (below(8)) {
+      case 0:
+        return grid.insert(row, this->row());
+      case 1:
+        return grid.remove(row);
+      case 2:
+        return grid.append(this->row());
+      case 3:
+        return grid.setBytes(row, Cell::Name, text(6));
+      case 4:
+        return grid.setBytes(row, Cell::Note, text(6));
+      default:
+        return grid.setCaptured(static_cast<std::int64_t>(below(3)), row);
+    }
+  }
+
+ private:
+  std::mt19937 _random;
+};
+
+TEST(DisplayOrder, IsWhatLookingAtEveryRowGivesThroughAnyEditsSearchesFiltersAndSorts) {
+  RandomLists random(20260504);
+  for (int list = 0; list < 150; ++list) {
+    NameGrid grid = gridOf(random.rows());
+    DisplayOrder order;
+    for (int step = 0; step < 40; ++step) {
+      if (random.below(2) == 0) random.edit(grid);
+      const DisplayRule rule = random.rule();
+      order.rebuild(grid, rule);
+      ASSERT_EQ(order.filteredRows(), slowlyShown(grid, rule))
+          << "list " << list << ", step " << step << ", search " << rule.searchText.toStdString();
+    }
+  }
+}
+
+TEST(DisplayOrder, NeverFindsANeedleAcrossTwoRows) {
+  const NameGrid grid = gridOf({{"Anna"}, {"Ben"}, {"Cara", "x"}, {"y"}});
+  for (const char* needle : {"annaben", "anna ben", "ab", "nnab", "xy", "x y", "x\ny"})
+    EXPECT_EQ(found(grid, QString::fromUtf8(needle)), Rows{}) << needle;
+}
+
+TEST(DisplayOrder, FindsNothingForHalfACharacter) {
+  const NameGrid grid = gridOf({{"😀"}, {"?"}, {"\uFFFD"}});
+  EXPECT_EQ(found(grid, QString(QChar(0xD83D))), Rows{});
+  EXPECT_EQ(found(grid, QString(QChar(0xDE00)) + QLatin1Char('x')), Rows{});
+}
+
+TEST(DisplayOrder, FollowsAPhotoInTheFilterAndANoteInTheSearch) {
+  NameGrid grid = gridOf({{"a"}, {"b"}});
+  DisplayOrder order;
+  const DisplayRule remaining{{}, CaptureFilter::Remaining};
+  order.rebuild(grid, remaining);
+  grid.setCaptured(1, 0);
+  order.rebuild(grid, remaining);
+  EXPECT_EQ(order.filteredRows(), Rows{1});
+  const DisplayRule late{QStringLiteral("late")};
+  order.rebuild(grid, late);
+  grid.setBytes(0, Cell::Note, "LATE again");
+  order.rebuild(grid, late);
+  EXPECT_EQ(order.filteredRows(), Rows{0});
 }
 
 TEST(DisplayOrder, NamesEveryFilterAndSort) {

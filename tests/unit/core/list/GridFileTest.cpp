@@ -4,6 +4,7 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 #include <random>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "core/list/GridFile.h"
@@ -46,6 +47,10 @@ TEST_F(GridFileTest, ReadsCrLfLikeLf) {
             readGrid(file("h\nAnna,note\nBen,\"x\r\"\n")));
 }
 
+TEST_F(GridFileTest, LosesACarriageReturnThatEndsAnOpenQuotedCell) {
+  EXPECT_EQ(readFirstColumn(file("h\n\"Anna\r\nBen\"\r\n")), (Rows{{"Anna", ""}, {"Ben", ""}}));
+}
+
 TEST_F(GridFileTest, LosesACarriageReturnAtTheEndOfAnUnterminatedLine) {
   EXPECT_EQ(readGrid(file("h\nAnna,note\r")), (Rows{{"Anna", "note", "0", ""}}));
 }
@@ -69,14 +74,35 @@ TEST_F(GridFileTest, GivesNoRowsForAFileOfAHeaderOrOfNothing) {
   EXPECT_EQ(readGrid(file("")), Rows{});
 }
 
-TEST_F(GridFileTest, GivesNoneForAFileThatIsMissingAFolderOrUnreadable) {
+TEST_F(GridFileTest, GivesNoneForAFileThatIsMissingOrAFolder) {
   EXPECT_EQ(readFirstColumn(_dir.filePath(QStringLiteral("missing.csv"))), std::nullopt);
   EXPECT_EQ(readFirstColumn(_dir.path()), std::nullopt);
   EXPECT_EQ(readGrid(_dir.path()), std::nullopt);
-  const QString locked = file("h\nAnna");
-  ASSERT_TRUE(QFile::setPermissions(locked, {}));
-  const bool locksApply = geteuid() != 0;  // they do not to root
-  EXPECT_EQ(readFirstColumn(locked), locksApply ? std::nullopt : std::optional(Rows{{"Anna", ""}}));
+}
+
+// Permissions mean nothing to root, who becomes nobody meanwhile.
+class WithoutPrivileges {
+ public:
+  WithoutPrivileges() { EXPECT_EQ(seteuid(_own == 0 ? kNobody : _own), 0); }
+  ~WithoutPrivileges() { EXPECT_EQ(seteuid(_own), 0); }
+
+ private:
+  static constexpr uid_t kNobody = 65534;
+  const uid_t _own = geteuid();
+};
+
+TEST_F(GridFileTest, GivesNoneForAFileThatMayNotBeRead) {
+  const QByteArray path = file("h\nAnna").toLocal8Bit();
+  ASSERT_EQ(chmod(_dir.path().toLocal8Bit().constData(), 0755), 0);
+  ASSERT_EQ(chmod(path.constData(), 0644), 0);
+  {
+    const WithoutPrivileges meanwhile;
+    ASSERT_EQ(readFirstColumn(QString::fromLocal8Bit(path)), (Rows{{"Anna", ""}}));
+  }
+  ASSERT_EQ(chmod(path.constData(), 0), 0);
+  const WithoutPrivileges meanwhile;
+  EXPECT_EQ(readFirstColumn(QString::fromLocal8Bit(path)), std::nullopt);
+  EXPECT_EQ(readGrid(QString::fromLocal8Bit(path)), std::nullopt);
 }
 
 // /proc/self/mem opens, and its first read fails.

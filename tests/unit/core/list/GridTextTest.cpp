@@ -38,10 +38,10 @@ TEST(StoreText, FollowsARowThatChanges) {
   NameGrid grid;
   grid.replaceAll({{"Anna"}, {"Ben", "note", "3", "1"}, {"Cara"}});
   StoreText text;
-  text.update(grid.rows(), grid.takeChanges());
+  text.update(grid);
   grid.setBytes(1, Cell::Note, "a longer, quoted note");
   grid.setCaptured(12, 0);
-  text.update(grid.rows(), grid.takeChanges());
+  text.update(grid);
   EXPECT_EQ(text.bytes(),
             "File Name,Notes,Captured,Marker\nAnna,,12,\nBen,\"a longer, quoted note\",3,1\nCara,,0,");
 }
@@ -67,7 +67,7 @@ TEST(StoreText, IsWhatWritingTheWholeListWouldGiveAfterAnyEdits) {
         grid.setBytes(row, static_cast<Cell>(random() % 4), value);
     }
     if (random() % 3 == 0) continue;
-    text.update(grid.rows(), grid.takeChanges());
+    text.update(grid);
     ASSERT_EQ(text.bytes(), writeGrid(grid.rows(), GridColumns::All)) << "round " << round;
   }
 }

@@ -73,6 +73,42 @@ TEST_F(ListEditingTest, PastesTrimmedNamesAndNotesAndNoFurtherColumns) {
             (Rows{{"Anna", "left"}, {"File Name", ""}, {"\"Smith, Ben\"", ""}, {"Anna", ""}}));
 }
 
+struct Clipboard {
+  const char* from;
+  QString text;
+  Rows rows;
+};
+
+TEST_F(ListEditingTest, PastesWhatOtherProgramsCopy) {
+  const std::vector<Clipboard> clipboards = {
+      {"a spreadsheet",
+       text("Anna\tfront\r\nBen\t\r\n\t\r\nCara\tlate\tx\r\n"),
+       {{"Anna", "front"}, {"Ben", ""}, {"Cara", "late"}}},
+      {"one column of a spreadsheet", text("Anna\r\nBen\r\n"), {{"Anna", ""}, {"Ben", ""}}},
+      {"a spreadsheet's cell of two lines",
+       text("\"Anna\nMaria\"\tx\r\n"),
+       {{"\"Anna", ""}, {"Maria\"", "x"}}},
+      {"a text editor", text("Anna\n\n  Ben  \nCara"), {{"Anna", ""}, {"Ben", ""}, {"Cara", ""}}},
+      {"a web table",
+       text("Anna\u00A0\tfront\u00A0row\nJean\u00A0Luc\t\u00A0\n\u00A0\tnobody\n"),
+       {{"Anna", "front\u00A0row"}, {"Jean\u00A0Luc", ""}}},
+      {"a word processor",
+       text("Anna\vBen\u2029Cara\u2028\u2029"),
+       {{"Anna", ""}, {"Ben", ""}, {"Cara", ""}}},
+      {"an old editor", text("Anna\rBen\r"), {{"Anna", ""}, {"Ben", ""}}},
+      {"a file with a byte-order mark", QChar(0xFEFF) + text("Anna\nBen"), {{"\uFEFFAnna", ""}, {"Ben", ""}}},
+      {"an East Asian editor", text("\u3000山田\u3000太郎\u3000\n"), {{"山田\u3000太郎", ""}}},
+      {"a CSV file",
+       text("Name,Class\n\"Smith, Anna\",3a"),
+       {{"Name,Class", ""}, {"\"Smith, Anna\",3a", ""}}},
+  };
+  for (const Clipboard& clipboard : clipboards) {
+    startWith({});
+    editing.paste(clipboard.text);
+    EXPECT_EQ(list.grid().rows(), clipboard.rows) << clipboard.from;
+  }
+}
+
 TEST_F(ListEditingTest, SaysOneNameInTheSingular) {
   editing.paste(text("Anna"));
   EXPECT_EQ(statusLine.text(), text("Pasted 1 name."));
@@ -330,6 +366,42 @@ TEST_F(ListEditingTest, ChangesNothingWhenNoNamesAreAddedOrTheOperatorCancels) {
   EXPECT_EQ(list.selectedRow(), 0);
   EXPECT_EQ(steps, QStringList());
   EXPECT_EQ(files.replacements, 0);
+}
+
+// The note dialog
+
+TEST_F(ListEditingTest, AsksForANoteInAFieldThatHoldsThePresentOne) {
+  startWith({{"Anna \"A\"", "left early"}});
+  person.willAnswer(1);
+  editing.ctxEditNote(0);
+  ASSERT_EQ(person.questions.size(), 1U);
+  const Question& question = person.questions[0];
+  EXPECT_EQ(question.title, text("Note for \"Anna \"A\"\""));
+  EXPECT_EQ(question.message, text("Notes are saved with the list and included in Export."));
+  EXPECT_EQ(question.buttons, QStringList({text("Save"), text("Cancel")}));
+  ASSERT_TRUE(question.accessory && question.accessory->textFields.size() == 1);
+  EXPECT_EQ(question.accessory->textFields[0].text, text("left early"));
+  EXPECT_EQ(question.accessory->textFields[0].rect, QRect(0, 0, 320, 24));
+  EXPECT_TRUE(question.accessory->focusFirstField);
+  EXPECT_EQ(list.grid().text(0, Cell::Note), text("left early"));
+  EXPECT_EQ(files.replacements, 0);
+}
+
+TEST_F(ListEditingTest, SavesTheNoteTrimmedAndRefreshesNothingElse) {
+  startWith({{"Anna"}, {"Ben"}});
+  person.willAnswer(Answer{0, {text("  glasses off \n")}});
+  editing.ctxEditNote(1);
+  EXPECT_EQ(list.grid().rows(), (Rows{{"Anna"}, {"Ben", "glasses off"}}));
+  EXPECT_TRUE(storedList().contains("glasses off"));
+  EXPECT_EQ(steps, QStringList());
+}
+
+TEST_F(ListEditingTest, AsksForNoNoteOfARowThatIsNotThereOrHasNoCells) {
+  startWith({{"Anna"}, {}});
+  editing.ctxEditNote(-1);
+  editing.ctxEditNote(1);
+  editing.ctxEditNote(2);
+  EXPECT_TRUE(person.questions.empty());
 }
 
 }  // namespace

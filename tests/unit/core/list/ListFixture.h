@@ -10,6 +10,7 @@
 #include "core/base/Locations.h"
 #include "core/base/PosixFiles.h"
 #include "core/base/Preferences.h"
+#include "core/list/GridText.h"
 #include "core/list/NameList.h"
 #include "support/TestClock.h"
 
@@ -71,10 +72,10 @@ class ListFixture : public ::testing::Test {
     list.applySearchFilter();
     steps.clear();
   }
-  void storeHolds(std::vector<Row> rows) {
-    NameGrid grid;
-    grid.replaceAll(std::move(rows));
-    ASSERT_TRUE(store.save(grid));
+  void storeHolds(const std::vector<Row>& rows) {
+    QFile file(store.gridStorePath());
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(writeGrid(rows, GridColumns::All));
   }
   QString writeFile(const QString& name, const QByteArray& bytes) const {
     QFile file(path(name));

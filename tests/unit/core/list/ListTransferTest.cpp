@@ -107,6 +107,38 @@ TEST_F(ListTransferTest, EndsWithAnEmptyListWhenTheFileCannotBeRead) {
   EXPECT_EQ(person.alerts.front().title, text("Imported 0 names"));
 }
 
+TEST_F(ListTransferTest, ImportsNoNamesFromAFolder) {
+  person.willChoose(home.path());
+  transfer.loadCSV();
+  EXPECT_TRUE(list.grid().isEmpty());
+  EXPECT_EQ(person.alerts.front().title, text("Imported 0 names"));
+}
+
+TEST_F(ListTransferTest, ImportsWhatIsNotTextAndStoresItWhole) {
+  QByteArray bytes("h\n");
+  for (int i = 0; i < 100'000; ++i)
+    bytes += static_cast<char>(i * 7919 >> 3);
+  person.willChoose(writeFile(text("photo.csv"), bytes));
+  transfer.loadCSV();
+  ASSERT_GT(list.grid().rowCount(), 0);
+  const std::optional<std::vector<Row>> stored = store.load();
+  ASSERT_TRUE(stored);
+  ASSERT_EQ(static_cast<qint64>(stored->size()), list.grid().rowCount());
+  for (qint64 row = 0; row < list.grid().rowCount(); ++row)
+    EXPECT_EQ((*stored)[static_cast<std::size_t>(row)][0], list.grid().bytes(row, Cell::Name));
+}
+
+TEST_F(ListTransferTest, LeavesTheStoreOfBeforeWhenTheImportedListCannotBeSaved) {
+  startWith({{"Old"}});
+  ASSERT_TRUE(list.saveGridToDisk());
+  files.fail = true;
+  person.willChoose(writeFile(text("names.csv"), "Name\nAnna\n"));
+  person.willAnswer(0);
+  transfer.loadCSV();
+  EXPECT_EQ(shownNames(), QStringList(text("Anna")));
+  EXPECT_EQ(storedList(), "File Name,Notes,Captured,Marker\nOld,,0,");
+}
+
 TEST_F(ListTransferTest, ExportsNamesAndNotes) {
   startWith({{"Anna, B", "front", "3", "1"}, {"Ben"}});
   const QString target = path(text("Schüler.csv"));

@@ -101,12 +101,12 @@ TEST(NameGrid, ReadsBytesThatAreNotUtf8AsEmptyTextAndKeepsThem) {
 
 TEST(NameGrid, FindsNamesThatDifferOnlyInLetterCase) {
   const NameGrid grid = gridOf({{"Anna"}, {"ANNA"}, {"Ben"}, {""}, {""}, {"Ben "}, {}, {}});
-  EXPECT_EQ(grid.duplicateNameSet(), std::set<QString>{QStringLiteral("anna")});
+  EXPECT_EQ(grid.duplicateNameSet(), QSet<QString>{QStringLiteral("anna")});
 }
 
 TEST(NameGrid, FoldsTheCaseOfEveryAlphabetButNoAccents) {
   const NameGrid grid = gridOf({{"ŁUKASZ"}, {"łukasz"}, {"ΣΟΦΊΑ"}, {"σοφία"}, {"José"}, {"Jose"}});
-  EXPECT_EQ(grid.duplicateNameSet(), (std::set<QString>{QStringLiteral("łukasz"), QStringLiteral("σοφία")}));
+  EXPECT_EQ(grid.duplicateNameSet(), (QSet<QString>{QStringLiteral("łukasz"), QStringLiteral("σοφία")}));
 }
 
 TEST(NameGrid, CountsANameOnceHoweverOftenItIsShared) {
@@ -127,31 +127,42 @@ TEST(NameGrid, RemovesOneRow) {
   EXPECT_EQ(grid.rows(), (std::vector<Row>{{"a"}, {"c"}}));
 }
 
-TEST(NameGrid, TellsOnceWhichRowsChanged) {
+TEST(NameGrid, TellsWhichRowsChangedSinceARevision) {
   NameGrid grid = gridOf({{"a"}, {"b"}, {"c"}});
-  EXPECT_EQ(grid.takeChanges(), GridChanges{true});
-  EXPECT_EQ(grid.takeChanges(), GridChanges{});
+  const std::uint64_t first = grid.revision();
+  EXPECT_EQ(grid.changesSince(first), GridChanges{});
   grid.setCaptured(1, 2);
+  const std::uint64_t second = grid.revision();
   grid.setMarker(true, 0);
-  EXPECT_EQ(grid.takeChanges(), (GridChanges{false, {2, 0}}));
-  EXPECT_EQ(grid.takeChanges(), GridChanges{});
+  EXPECT_EQ(grid.changesSince(first), (GridChanges{false, {2, 0}}));
+  EXPECT_EQ(grid.changesSince(second), (GridChanges{false, {0}}));
+  EXPECT_EQ(grid.changesSince(grid.revision()), GridChanges{});
+}
+
+TEST(NameGrid, TellsThatEverythingChangedToWhomeverHasSeenNothing) {
+  EXPECT_EQ(NameGrid().changesSince(0), GridChanges{true});
+  NameGrid grid = gridOf({{"a"}});
+  grid.setCaptured(1, 0);
+  EXPECT_EQ(grid.changesSince(0), GridChanges{true});
 }
 
 TEST(NameGrid, TellsThatEverythingChangedWhenRowsComeOrGoOrManyChange) {
   NameGrid grid = gridOf({{"a"}, {"b"}});
-  (void)grid.takeChanges();
+  std::uint64_t last = grid.revision();
+  const auto changes = [&] { return grid.changesSince(std::exchange(last, grid.revision())); };
   grid.append({"c"});
-  EXPECT_EQ(grid.takeChanges(), GridChanges{true});
+  EXPECT_EQ(changes(), GridChanges{true});
   grid.insert(0, {"d"});
-  EXPECT_EQ(grid.takeChanges(), GridChanges{true});
+  EXPECT_EQ(changes(), GridChanges{true});
   grid.remove(0);
   grid.setCaptured(1, 0);
-  EXPECT_EQ(grid.takeChanges(), GridChanges{true});
+  EXPECT_EQ(changes(), GridChanges{true});
   for (int i = 0; i < 1000; ++i)
     grid.setCaptured(i, i % 2);
-  EXPECT_EQ(grid.takeChanges(), GridChanges{true});
+  EXPECT_EQ(changes(), GridChanges{true});
   grid.clear();
-  EXPECT_EQ(grid.takeChanges(), GridChanges{true});
+  EXPECT_EQ(changes(), GridChanges{true});
+  EXPECT_EQ(changes(), GridChanges{});
 }
 
 TEST(NameGrid, GivesAnotherNamesRevisionAfterEveryChangeOfNamesAndOnlyThen) {
