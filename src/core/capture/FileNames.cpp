@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/capture/FileNames.h"
 
-#include <QLatin1String>
 #include <algorithm>
 #include <array>
+
+#include "core/base/Text.h"
 
 namespace ambrel {
 namespace {
@@ -13,15 +14,17 @@ constexpr std::string_view kReserved = "\"*/:<>?\\|";
 constexpr int kMinDigits = 4;
 
 // Those that the preview can show come first.
-constexpr std::array kImageExtensions = {QLatin1String("jpg"),  QLatin1String("jpeg"), QLatin1String("png"),
-                                         QLatin1String("tif"),  QLatin1String("tiff"), QLatin1String("heic"),
-                                         QLatin1String("heif"), QLatin1String("cr2"),  QLatin1String("cr3"),
-                                         QLatin1String("crw"),  QLatin1String("raw"),  QLatin1String("dng"),
-                                         QLatin1String("nef"),  QLatin1String("arw")};
+constexpr std::array<std::string_view, 14> kImageExtensions = {
+    "jpg", "jpeg", "png", "tif", "tiff", "heic", "heif", "cr2", "cr3", "crw", "raw", "dng", "nef", "arw"};
 constexpr std::size_t kPreviewable = 6;
 
-bool hasExtensionAmong(const QString& path, std::size_t count) {
-  const QString extension = pathExtension(path).toLower();
+char lowerCase(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool hasExtensionAmong(std::string_view path, std::size_t count) {
+  std::string extension(path_extension(path));
+  std::transform(extension.begin(), extension.end(), extension.begin(), lowerCase);
   const auto end = kImageExtensions.begin() + count;
   return std::find(kImageExtensions.begin(), end, extension) != end;
 }
@@ -54,10 +57,24 @@ QString pathExtension(const QString& path) {
 }
 
 bool isImageFileName(const QString& name) {
-  return hasExtensionAmong(name, kImageExtensions.size());
+  return is_image_file_name(ns_to_std(name));
 }
 
 bool isPreviewableImagePath(const QString& path) {
+  return is_previewable_image_path(ns_to_std(path));
+}
+
+std::string_view path_extension(std::string_view path) {
+  const std::string_view name = path.substr(path.rfind('/') + 1);
+  const std::size_t dot = name.rfind('.');
+  return dot == std::string_view::npos || dot == 0 ? std::string_view() : name.substr(dot + 1);
+}
+
+bool is_image_file_name(std::string_view name) {
+  return hasExtensionAmong(name, kImageExtensions.size());
+}
+
+bool is_previewable_image_path(std::string_view path) {
   return hasExtensionAmong(path, kPreviewable);
 }
 

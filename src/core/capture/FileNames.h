@@ -22,4 +22,9 @@ QString pathExtension(const QString& path);
 bool isImageFileName(const QString& name);
 bool isPreviewableImagePath(const QString& path);
 
+// The same of the bytes of a name.
+std::string_view path_extension(std::string_view path);
+bool is_image_file_name(std::string_view name);
+bool is_previewable_image_path(std::string_view path);
+
 }  // namespace ambrel

@@ -46,9 +46,10 @@ QString NumberedFolder::pathOfNumber(qint64 number) const {
 }
 
 void NumberedFolder::create() const {
-  // A tag may put a separator into the folder name, and so into the file name formed from it.
-  const QString path = pathOfNumber(0);
-  if (!path.contains(QChar::Null)) QDir().mkpath(path.left(path.lastIndexOf(QLatin1Char('/'))));
+  // A tag may put a separator into the folder name, and so into the file names formed from it.
+  const QString parent = _folder + _folderName.left(_folderName.lastIndexOf(QLatin1Char('/')) + 1);
+  // All photos but the first of a person find it there; mkpath takes longer to see that than a move takes.
+  if (!fileExists(parent) && !parent.contains(QChar::Null)) QDir().mkpath(parent);
 }
 
 std::optional<qint64> NumberedFolder::firstFreeFrom(qint64 number) const {

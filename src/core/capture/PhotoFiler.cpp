@@ -61,7 +61,7 @@ class PhotoFiler::Filing {
     qint64 row = -1;
   };
 
-  Filing(Files& files, const FilingDesk& desk, FilingThread::Line& mainThread, QString source)
+  Filing(Files& files, const FilingDesk& desk, SerialThread::Line& mainThread, QString source)
       : _files(files), _desk(desk), _mainThread(mainThread), _source(std::move(source)) {}
 
   Result<Photo> file();
@@ -77,7 +77,7 @@ class PhotoFiler::Filing {
 
   Files& _files;
   const FilingDesk& _desk;
-  FilingThread::Line& _mainThread;
+  SerialThread::Line& _mainThread;
   const QString _source;
   std::uint64_t _size = 0;
   QString _targetDir;
@@ -213,7 +213,7 @@ void PhotoFiler::handleDownloadedPath(const QString& path) {
   if (!_renameQueuedPaths->add(source)) return;
 
   _thread.add([this, &files = _files, &desk = _desk, queued = _renameQueuedPaths,
-               source](FilingThread::Line& mainThread) {
+               source](SerialThread::Line& mainThread) {
     const Result<Filing::Photo> photo = Filing(files, desk, mainThread, source).file();
     queued->remove(source);
     mainThread.tell([this, photo] {

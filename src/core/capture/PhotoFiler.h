@@ -12,7 +12,7 @@
 #include <string>
 
 #include "core/base/Files.h"
-#include "core/capture/FilingThread.h"
+#include "core/base/SerialThread.h"
 
 namespace ambrel {
 
@@ -46,6 +46,9 @@ class PhotoFiler : public QObject {
   // Files what is queued, for at most `limit`; whether nothing was left. For use when quitting: the main
   // thread goes on serving the filing thread meanwhile.
   bool finishQueued(std::chrono::milliseconds limit);
+  // Where photos are filed. Work on the folders of photos is done there too, so that neither meets the other
+  // half done.
+  SerialThread& thread() { return _thread; }
   // Stays false: filing does not hold the status line's readiness text back.
   bool isRenaming() const { return _renaming; }
 
@@ -61,7 +64,7 @@ class PhotoFiler : public QObject {
   FilingDesk _desk;
   std::shared_ptr<QueuedPaths> _renameQueuedPaths;
   std::atomic<bool> _renaming{false};
-  FilingThread _thread;
+  SerialThread _thread;
 };
 
 }  // namespace ambrel

@@ -87,6 +87,17 @@ TEST(FileNames, CountsFourteenExtensionsInAnyLetterCase) {
   }
 }
 
+TEST(FileNames, TellsAPhotoByItsExtensionWhateverBytesComeBeforeIt) {
+  EXPECT_TRUE(is_image_file_name("\xff\xfe.JPG"));
+  EXPECT_TRUE(is_image_file_name("a b.heif"));
+  EXPECT_FALSE(is_previewable_image_path("a b.heif"));
+  EXPECT_TRUE(is_previewable_image_path("/x.y/\xff.Tiff"));
+  EXPECT_FALSE(is_image_file_name("/x.jpg/\xff"));
+  EXPECT_FALSE(is_image_file_name("a.jp\xff"));
+  EXPECT_EQ(path_extension("/x/.jpg"), "");
+  EXPECT_EQ(path_extension("/x/a.b."), "");
+}
+
 TEST(FileNames, PreviewsSixExtensionsAndNoRawFormat) {
   for (const QString name : {"a.jpg", "a.JPEG", "a.png", "a.tif", "a.TIFF", "a.heic"}) {
     EXPECT_TRUE(isPreviewableImagePath(name)) << name.toStdString();

@@ -22,7 +22,7 @@ namespace ambrel {
 class FilingFixture : public ::testing::Test {
  protected:
   using Operation = BrokenFiles::Operation;
-  static constexpr std::chrono::seconds kLongEnough{30};  // never waited for in full by a test that passes
+  static constexpr std::chrono::seconds kLongEnough{240};  // never waited for in full by a test that passes
 
   struct Filed {
     QString path;  // from the target folder on

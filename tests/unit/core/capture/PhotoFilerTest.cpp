@@ -167,19 +167,19 @@ TEST_F(PhotoFilerTest, TheLargestNumberOfAllFailsInsteadOfStartingAgain) {
 
 TEST_F(PhotoFilerTest, ACounterTypedWhileAPhotoIsBeingFiledIsKept) {
   settings.setCounterText("12");
-  bool typed = false;
+  std::promise<void> moving;
+  std::promise<void> typed;
   files.callBefore(Operation::Move, [&](const QString&, const QString&) {
-    QMetaObject::invokeMethod(
-        &settings,
-        [&] {
-          settings.setCounterText("50");
-          typed = true;
-        },
-        Qt::QueuedConnection);
+    moving.set_value();
+    typed.get_future().wait();
   });
   filer->handleDownloadedPath(download("IMG.JPG"));
-  while (filed.empty() || !typed)
+  while (preferencesSaved == 0)
     QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  moving.get_future().wait();
+  settings.setCounterText("50");
+  typed.set_value();
+  ASSERT_TRUE(filer->finishQueued(kLongEnough));
   EXPECT_EQ(filed.at(0).path, "Bob/Bob_0012.JPG");
   EXPECT_EQ(settings.counterText(), "50");
 }
@@ -580,6 +580,7 @@ TEST_F(PhotoFilerTest, ANumberTakenDuringACopyIsPassedOver) {
 // exclusively, as a decent program does.
 class Rival {
  public:
+  ~Rival() { stop(); }
   void want(const QString& path) {
     const std::lock_guard lock(_mutex);
     _wanted = path;
@@ -587,7 +588,7 @@ class Rival {
   }
   std::set<QString> stop() {
     want({});
-    _thread.join();
+    if (_thread.joinable()) _thread.join();
     return _taken;
   }
 
