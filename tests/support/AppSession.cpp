@@ -24,10 +24,16 @@ void AppSession::startApplication() {
   QDir().mkpath(locations.temporary);
   app = std::make_unique<AmbrelAppDelegate>(
       clock, operatorSeam, files, link,
-      Surroundings{locations, Bundle(folder.filePath("bundle")), [this](qint64 own) {
-                     strayRemovals.push_back(own);
-                     screen.note("killStrayWorkers");
-                   }});
+      Surroundings{.locations = locations,
+                   .bundle = Bundle(folder.filePath("bundle")),
+                   .killStrayWorkers =
+                       [this](qint64 own) {
+                         strayRemovals.push_back(own);
+                         screen.note("killStrayWorkers");
+                       },
+                   .releaseHost = releaseHost,
+                   .openFolder = [this](const QString& opening) { opened << opening; },
+                   .revealFile = [this](const QString& file) { revealed << file; }});
 }
 
 void AppSession::launch() {

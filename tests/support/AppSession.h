@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QTemporaryDir>
+#include <QUrl>
 #include <memory>
 
 #include "core/app/AmbrelAppDelegate.h"
@@ -44,7 +45,10 @@ class AppSession {
   PosixFiles files;
   TestLink link;
   RecordingScreen screen;
+  QStringList opened;                 // folders, in the file manager
+  QStringList revealed;               // files
   std::vector<qint64> strayRemovals;  // the own worker's process id at each removal
+  QUrl releaseHost;                   // of the next start; empty: no release check
   std::unique_ptr<AmbrelAppDelegate> app;
 
  private:

@@ -1,10 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/app/AmbrelAppDelegate.h"
 
+#include <QDeadlineTimer>
 #include <QFileInfo>
 #include <algorithm>
 
 #include "core/app/PathLine.h"
+#include "core/base/PathText.h"
+#include "core/base/Text.h"
+#include "core/capture/FileNames.h"
+#include "core/capture/NumberedFolder.h"
 
 namespace ambrel {
 namespace {
@@ -12,6 +17,15 @@ namespace {
 // A path travels to the worker in one line of text.
 bool holdsLineBreak(const QString& path) {
   return path.contains(QLatin1Char('\n')) || path.contains(QLatin1Char('\r'));
+}
+
+Question resetQuestion() {
+  return {
+      QStringLiteral("Reset Ambrel Tether?"),
+      QStringLiteral("This will clear the list (names and notes), clear the target folder selection, turn "
+                     "off FR/SS, reset Destination to Both, and reset the counter to 1. Use Export first "
+                     "if you want to keep the list."),
+      {QStringLiteral("Reset"), QStringLiteral("Cancel")}};
 }
 
 }  // namespace
@@ -29,11 +43,19 @@ AmbrelAppDelegate::AmbrelAppDelegate(Clock& clock, Operator& operatorSeam, Files
       _listStore(files, surroundings.locations),
       _list(_listStore, _preferences, _statusLine),
       _listTransfer(_list, operatorSeam, _statusLine, files),
+      _listEditing(_list, operatorSeam, _statusLine),
       _tags(_preferences, operatorSeam, _statusLine),
       _storage(clock, files, operatorSeam, [this] { return watchedPath(); }),
       _filer(files, filingDesk()),
+      _folders(_filer.thread(), _list, [this] { return _settings.targetDir(); }),
+      _folderRename(files, _filer.thread(), _folders, _list, _tags, operatorSeam, _statusLine, renameDesk()),
+      _backup(clock, operatorSeam, files, _statusLine, _preferences, surroundings.locations,
+              backupSurroundings(), surroundings.driveMeans),
+      _preview(clock, [this] { return _settings.targetDir(); }),
       _camera(clock, link, _statusLine, operatorSeam, _preferences,
-              WorkerFiles{surroundings.bundle, surroundings.locations.temporary}, connectionSurroundings()) {
+              WorkerFiles{surroundings.bundle, surroundings.locations.temporary}, connectionSurroundings()),
+      _releaseCheck(clock, operatorSeam, _preferences, surroundings.releaseHost, _displayVersion,
+                    surroundings.openInBrowser) {
   connectSubsystems();
 }
 
@@ -52,6 +74,21 @@ FilingDesk AmbrelAppDelegate::filingDesk() {
             savePersistentPaths();
           },
   };
+}
+
+RenameDesk AmbrelAppDelegate::renameDesk() {
+  return {
+      .targetDir = [this] { return _settings.targetDir(); },
+      .backupDestForSource =
+          [this](const QString& folder) {
+            const bool mirrored = _backup.isEnabled() && !_backup.backupDir().isEmpty();
+            return mirrored ? _backup.backupDestForSource(folder) : QString();
+          },
+  };
+}
+
+BackupSurroundings AmbrelAppDelegate::backupSurroundings() const {
+  return {.targetDir = [this] { return _settings.targetDir(); }, .isImageFileName = isImageFileName};
 }
 
 ConnectionSurroundings AmbrelAppDelegate::connectionSurroundings() {
@@ -83,6 +120,8 @@ void AmbrelAppDelegate::connectSubsystems() {
   connect(&_list, &NameList::pathLabelsStale, this, &AmbrelAppDelegate::updatePathLabels);
   connect(&_list, &NameList::controlsStale, this, &AmbrelAppDelegate::updateControls);
 
+  connect(&_listEditing, &ListEditing::photoMoveRequested, &_folderRename, &FolderRename::promptMoveFromRow);
+
   connect(&_tags, &Tags::toggled, this, &AmbrelAppDelegate::updatePathLabels);
 
   connect(&_camera, &CameraConnection::connectStarted, this, [this] { _storage.clearLowStorageWarning(); });
@@ -93,6 +132,10 @@ void AmbrelAppDelegate::connectSubsystems() {
 
   connect(&_filer, &PhotoFiler::filed, this, &AmbrelAppDelegate::photoFiled);
   connect(&_filer, &PhotoFiler::failed, this, &AmbrelAppDelegate::photoNotFiled);
+  connect(&_folders, &PhotoFolders::pathLabelsStale, this, &AmbrelAppDelegate::updatePathLabels);
+  connect(&_preview, &PreviewList::controlsStale, this, &AmbrelAppDelegate::updateControls);
+
+  connect(&_backup, &Backup::changed, this, &AmbrelAppDelegate::updatePathLabels);
 }
 
 // ---- Launch and shut-down
@@ -135,6 +178,7 @@ void AmbrelAppDelegate::buildUI() {
   _storage.updateStorageLabel();
   _storage.startTimer();
   _screen->applyAppearance();
+  _clock.callAfter(kReleaseCheckDelay, this, [this] { _releaseCheck.checkForUpdatesInBackgroundIfDue(); });
   _camera.startAutoDetectTimer();
   _screen->showWindow();
 }
@@ -142,10 +186,13 @@ void AmbrelAppDelegate::buildUI() {
 void AmbrelAppDelegate::applicationWillTerminate() {
   if (!_screen) return;
   // Photos that the camera has already delivered are filed before anything is taken down.
-  _filer.finishQueued(kFilingTimeWhenQuitting);
+  const QDeadlineTimer deadline(kTimeForPhotosWhenQuitting);
+  _filer.finishQueued(kTimeForPhotosWhenQuitting);
+  _folderRename.finishMirroring(std::chrono::milliseconds(deadline.remainingTime()));
   savePersistentPaths();
   _storage.stopTimer();
   _camera.stopAutoDetectTimer();
+  _backup.stop();
   _screen->stopObservingAppearance();
   _screen->removeKeyMonitor();
   _camera.shutDown();
@@ -172,8 +219,10 @@ void AmbrelAppDelegate::restoreSavedPaths() {
   const QString targetDir = _preferences.lastTargetDir().value_or(QString());
   if (!targetDir.isEmpty() && QFileInfo::exists(targetDir) && !holdsLineBreak(targetDir)) {
     _settings.setTargetDir(targetDir);
+    _folders.rescanOutputFolders();
   }
   _camera.restoreAutoConnect();
+  _backup.restore();
   const qint64 counter = _preferences.lastCounterValue().value_or(0);
   if (counter >= 1) _settings.setCounterText(QString::number(counter));
   const QString csvPath = _preferences.lastCSVPath().value_or(QString());
@@ -206,10 +255,13 @@ void AmbrelAppDelegate::savePersistentPaths() {
 
 void AmbrelAppDelegate::photoFiled(const QString& path, qint64 row) {
   _list.markCaptureForRow(row);
+  _folders.noteFolderWithImage(path);
+  _preview.scheduleLatestCapturePreviewAtPath(path);
   _statusLine.setStatus(QStringLiteral("Saved: ") + QFileInfo(path).fileName(),
                         _camera.isWatching() ? StatusKind::Watching : StatusKind::Good);
   _storage.updateStorageLabel();
   _statusLine.scheduleReadyStatusRefresh();
+  _backup.backupSavedFile(path);
 }
 
 void AmbrelAppDelegate::photoNotFiled(const QString& message) {
@@ -239,6 +291,7 @@ void AmbrelAppDelegate::useTargetFolder(const QString& path) {
   }
   _settings.setTargetDir(path);
   _camera.downloadFolderChanged();
+  _folders.rescanOutputFolders();
   updatePathLabels();
   savePersistentPaths();
   _storage.updateStorageLabel();
@@ -274,11 +327,73 @@ void AmbrelAppDelegate::toggleAutoConnect() {
   _camera.toggleAutoConnect();
 }
 
+void AmbrelAppDelegate::revealPreviewInFinder() {
+  const QString photo = _preview.currentPreviewPath();
+  if (!photo.isEmpty() && fileExists(photo)) {
+    _surroundings.revealFile(photo);
+  } else {
+    _operator.beep();
+  }
+}
+
+std::optional<PersonsFolders> AmbrelAppDelegate::foldersOfRow(qint64 modelRow) const {
+  const NameGrid& grid = _list.grid();
+  if (!grid.contains(modelRow) || grid.rows()[static_cast<std::size_t>(modelRow)].empty())
+    return std::nullopt;
+  PersonsFolders person{std_to_ns(sanitize_filename(grid.bytes(modelRow, Cell::Name))), {}};
+  for (const std::string& folder : _folders.foldersForRowName(ns_to_std(person.name)))
+    person.folders.append(path_to_ns(folder));
+  return person;
+}
+
+void AmbrelAppDelegate::openSelectedRowFolder() {
+  showFolder(folderOfSelectedRow(foldersOfRow(_list.selectedRow()), _settings.targetDir()));
+}
+
+void AmbrelAppDelegate::ctxOpenFolder(qint64 modelRow) {
+  showFolder(folderOfMenuRow(foldersOfRow(modelRow), _settings.targetDir()));
+}
+
+void AmbrelAppDelegate::showFolder(const FolderToShow& toShow) {
+  if (!toShow.status.isEmpty()) _statusLine.setStatus(toShow.status, StatusKind::Neutral);
+  if (!toShow.folder.isEmpty()) _surroundings.openFolder(toShow.folder);
+}
+
 void AmbrelAppDelegate::tableClicked() {
   savePersistentPaths();
   if (!_list.showSelectionTotalsIfMultiple()) _statusLine.refreshReadyStatusIfIdle();
   updatePathLabels();
   updateControls();
+}
+
+bool AmbrelAppDelegate::refuseResetWhileWatching() {
+  if (!_camera.isWatching()) return false;
+  _operator.showAlert(QStringLiteral("Stop Watching First"),
+                      QStringLiteral("Please stop watching before resetting the app state."));
+  return true;
+}
+
+void AmbrelAppDelegate::resetWorkflow() {
+  if (refuseResetWhileWatching()) return;
+  _operator.ask(resetQuestion(), [this](const Answer& answer) {
+    // A camera may have come back while the question was open.
+    if (answer.button == 0 && !refuseResetWhileWatching()) forgetWorkflow();
+  });
+}
+
+void AmbrelAppDelegate::forgetWorkflow() {
+  _settings.setTargetDir(QString());
+  _list.reset();
+  _folders.forgetFolders();
+  _tags.switchAllOff();
+  _settings.setSaveModeIndex(0);
+  _settings.setCounterText(QStringLiteral("1"));
+  _preferences.removeWorkflowKeys();
+  _preferences.synchronize();
+  updatePathLabels();
+  _storage.updateStorageLabel();
+  _statusLine.setStatus(QStringLiteral("Reset complete."), StatusKind::Neutral);
+  _camera.updateAutoWatch();
 }
 
 // ---- What the window shows beside the subsystems' own state

@@ -2,9 +2,11 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QSettings>
 #include <gtest/gtest.h>
 
 #include "core/app/AmbrelAppDelegate.h"
+#include "core/app/PathLine.h"
 #include "support/AppSession.h"
 
 using namespace ambrel;
@@ -62,6 +64,20 @@ TEST(Launch, StartsTheWorkerOnTheFirstAutoDetectTick) {
   EXPECT_TRUE(session.link.launches.empty());
   session.clock.advance(2500ms);
   EXPECT_EQ(session.link.launches.size(), 1u);
+}
+
+TEST(Launch, AsksForTheLatestReleaseThreeSecondsAfterTheWindowIsBuilt) {
+  for (const int milliseconds : {2999, 3000}) {
+    AppSession session;
+    session.releaseHost = QUrl(QStringLiteral("http://127.0.0.1:1"));
+    session.startApplication();
+    session.launch();
+    session.clock.advance(std::chrono::milliseconds(milliseconds));
+    session.quit();
+    session.app.reset();
+    EXPECT_EQ(Preferences(session.locations.preferencesFile).lastUpdateCheck().has_value(),
+              milliseconds == 3000);
+  }
 }
 
 TEST(Launch, RefusesASecondInstanceWithAnAlertAndEndsIt) {
@@ -308,6 +324,145 @@ TEST(Controls, OfferTheExportOnlyWithNamesInTheList) {
   EXPECT_TRUE(session.screen.controls.exportEnabled);
 }
 
+// ---- Reset
+
+// A session in the middle of a shoot, the camera not watched.
+class Reset : public ::testing::Test {
+ protected:
+  Reset() {
+    session.app.reset();
+    Preferences(session.locations.preferencesFile)
+        .setSuffixes({QVariantMap{{"label", "FR"}, {"suffix", "_FR"}, {"on", true}}});
+    session.startApplication();
+    session.launch();
+    session.importNames({"Ben", "Anna"});
+    session.chooseTarget();
+    session.app->folders().noteFolderWithImage(session.path("Photos/Ben/Ben_0001.JPG"));
+    session.app->list().setSearchText("n");
+    session.app->list().cycleCaptureFilter();
+    session.app->list().cycleSortMode();
+    session.app->selectDestination(2);
+    session.app->counterTextDidChange("41");
+    session.operatorSeam.alerts.clear();
+    session.operatorSeam.questions.clear();
+  }
+  QStringList storedKeys() {
+    session.app.reset();
+    return QSettings(session.locations.preferencesFile, QSettings::IniFormat).allKeys();
+  }
+  AppSession session;
+};
+
+TEST_F(Reset, AsksFirst) {
+  session.operatorSeam.willAnswer(1);
+  session.app->resetWorkflow();
+  ASSERT_EQ(session.operatorSeam.questions.size(), 1u);
+  const Question& question = session.operatorSeam.questions.front();
+  EXPECT_EQ(question.title, "Reset Ambrel Tether?");
+  EXPECT_EQ(question.message,
+            "This will clear the list (names and notes), clear the target folder selection, turn off FR/SS, "
+            "reset Destination to Both, and reset the counter to 1. Use Export first if you want to keep the "
+            "list.");
+  EXPECT_EQ(question.buttons, (QStringList{"Reset", "Cancel"}));
+}
+
+TEST_F(Reset, ChangesNothingWhenCancelled) {
+  session.operatorSeam.willAnswer(1);
+  session.app->resetWorkflow();
+  EXPECT_EQ(session.app->list().grid().rowCount(), 2);
+  EXPECT_EQ(session.app->settings().targetDir(), session.path("Photos"));
+  EXPECT_EQ(session.app->settings().counterText(), "41");
+  EXPECT_TRUE(QFileInfo::exists(session.storePath()));
+}
+
+TEST_F(Reset, ForgetsTheListAndItsStore) {
+  session.operatorSeam.willAnswer(0);
+  session.app->resetWorkflow();
+  NameList& list = session.app->list();
+  EXPECT_TRUE(list.grid().isEmpty());
+  EXPECT_TRUE(list.filteredRows().empty());
+  EXPECT_EQ(list.selectedRow(), -1);
+  EXPECT_EQ(list.csvPath(), QString());
+  EXPECT_EQ(list.searchText(), QString());
+  EXPECT_EQ(list.captureFilter(), CaptureFilter::All);
+  EXPECT_EQ(list.sortMode(), SortMode::Ascending);
+  EXPECT_FALSE(QFileInfo::exists(session.storePath()));
+}
+
+TEST_F(Reset, ForgetsFolderTagsDestinationAndCounter) {
+  session.operatorSeam.willAnswer(0);
+  session.app->resetWorkflow();
+  EXPECT_EQ(session.app->settings().targetDir(), QString());
+  EXPECT_EQ(session.app->folders().folderCount(), 0);
+  EXPECT_EQ(session.app->tags().suffixes(), (std::vector<Tag>{{"FR", "_FR", false}}));
+  EXPECT_EQ(session.app->settings().saveModeIndex(), 0);
+  EXPECT_EQ(session.app->settings().counterText(), "1");
+  EXPECT_EQ(session.screen.controls.saveModeIndex, 0);
+  EXPECT_FALSE(session.screen.controls.exportEnabled);
+  EXPECT_EQ(session.screen.pathLine, pathLine({}));
+}
+
+TEST_F(Reset, RemovesTheFourKeysOfTheWorkflowAndKeepsTheTags) {
+  session.operatorSeam.willAnswer(0);
+  session.app->resetWorkflow();
+  EXPECT_EQ(storedKeys(), QStringList{"AmbrelSuffixes"});
+}
+
+TEST_F(Reset, SaysSoAndGoesBackToReadiness) {
+  QStringList said;
+  QObject::connect(&session.app->statusLine(), &StatusLine::changed,
+                   [&said](const QString& text) { said << text; });
+  session.operatorSeam.willAnswer(0);
+  session.app->resetWorkflow();
+  EXPECT_EQ(said, (QStringList{"Reset complete.", "Setup needed"}));
+}
+
+TEST_F(Reset, IsRefusedWhileTheCameraIsWatched) {
+  session.connectCamera();
+  session.operatorSeam.alerts.clear();
+  session.app->resetWorkflow();
+  EXPECT_EQ(
+      session.operatorSeam.alerts,
+      std::vector<Alert>({{"Stop Watching First", "Please stop watching before resetting the app state."}}));
+  EXPECT_TRUE(session.operatorSeam.questions.empty());
+  EXPECT_EQ(session.app->list().grid().rowCount(), 2);
+}
+
+TEST_F(Reset, LeavesAnAppThatStartsAnew) {
+  session.operatorSeam.willAnswer(0);
+  session.app->resetWorkflow();
+  session.quit();
+  session.startApplication();
+  session.launch();
+  EXPECT_TRUE(session.app->list().grid().isEmpty());
+  EXPECT_EQ(session.app->settings().targetDir(), QString());
+  EXPECT_EQ(session.app->settings().counterText(), "1");
+}
+
+// ---- The operator edits the list
+
+TEST(ListEditing, AsksWhereThePhotosOfARowGoThatIsDroppedOntoAnother) {
+  AppSession session;
+  session.launch();
+  session.importNames({"Anna", "Ben"});
+  session.operatorSeam.willAnswer(1);
+  EXPECT_TRUE(session.app->listEditing().acceptDrop({.draggedRow = 0, .ontoRow = true, .displayRow = 1}));
+  EXPECT_TRUE(session.operatorSeam.questions.empty());
+  QCoreApplication::processEvents();
+  EXPECT_EQ(session.operatorSeam.questions.size(), 1u);
+}
+
+TEST(ListEditing, SavesTheRowOfAnEditAndRefreshesTheWindow) {
+  AppSession session;
+  session.launch();
+  session.app->listEditing().paste("Anna\nBen");
+  session.app->listEditing().ctxInsertBelow(1);
+  EXPECT_EQ(session.screen.pathLine, pathLine({.rows = 3, .csvPath = {}, .targetDir = {}}));
+  EXPECT_TRUE(session.screen.controls.exportEnabled);
+  session.app.reset();
+  EXPECT_EQ(Preferences(session.locations.preferencesFile).lastSelectedRowIndex(), 2);
+}
+
 // ---- The road of one photo
 
 TEST(PhotoRoad, FilesAPhotoUnderTheSelectedNameAndCountsIt) {
@@ -380,6 +535,159 @@ TEST(PhotoRoad, ReportsAPhotoThatCannotBeFiled) {
   EXPECT_EQ(session.app->statusLine().text(), reason);
   EXPECT_EQ(session.app->statusLine().kind(), StatusKind::Error);
   EXPECT_TRUE(QFileInfo::exists(session.path("empty.JPG")));
+}
+
+// ---- The folders of photos
+
+TEST(FoldersOfPhotos, AreCountedWhenATargetFolderIsChosen) {
+  AppSession session;
+  session.launch();
+  session.importNames({"Anna", "Ben"});
+  QDir(session.folder.path()).mkpath("Photos/Ben_FR");
+  session.writeFile(session.path("Photos/Ben_FR/Ben_FR_0001.JPG"), "photo");
+  session.chooseTarget();
+  ASSERT_TRUE(session.app->photoFiler().finishQueued(10s));
+  EXPECT_EQ(session.app->list().grid().capturedForModelRow(0), 0);
+  EXPECT_EQ(session.app->list().grid().capturedForModelRow(1), 1);
+  EXPECT_EQ(session.app->folders().folderCount(), 1);
+}
+
+TEST(FoldersOfPhotos, AreLookedAtAtLaunchWhileTheListKeepsItsOwnCounts) {
+  AppSession session;
+  session.launch();
+  session.importNames({"Anna"});
+  session.chooseTarget();
+  session.download("IMG_1.JPG");
+  session.quit();
+  session.writeFile(session.path("Photos/Anna/another.jpg"), "photo");
+  session.startApplication();
+  session.launch();
+  ASSERT_TRUE(session.app->photoFiler().finishQueued(10s));
+  EXPECT_EQ(session.app->folders().folderCount(), 1);
+  EXPECT_EQ(session.app->list().grid().capturedForModelRow(0), 1);
+}
+
+TEST(FoldersOfPhotos, ArePutOnRecordWithTheFirstPhotoFiledThere) {
+  AppSession session;
+  session.launch();
+  session.importNames({"Anna"});
+  session.chooseTarget();
+  session.download("IMG_1.JPG");
+  session.download("IMG_2.JPG");
+  EXPECT_EQ(session.app->folders().folderCount(), 1);
+}
+
+TEST(FoldersOfPhotos, CountAPhotoOnceThatIsFiledBesideARescan) {
+  AppSession session;
+  session.launch();
+  session.importNames({"Anna"});
+  session.chooseTarget();
+  session.writeFile(session.path("IMG_1.JPG"), "photo");
+  session.writeFile(session.path("IMG_2.JPG"), "photo");
+  session.link.say("DOWNLOADED|" + session.path("IMG_1.JPG").toUtf8());
+  session.app->folders().rescanOutputFolders();
+  session.link.say("DOWNLOADED|" + session.path("IMG_2.JPG").toUtf8());
+  ASSERT_TRUE(session.app->photoFiler().finishQueued(10s));
+  EXPECT_EQ(session.app->list().grid().capturedForModelRow(0), 2);
+}
+
+TEST(FoldersOfPhotos, AreForgottenByAReset) {
+  AppSession session;
+  session.launch();
+  session.importNames({"Anna"});
+  session.chooseTarget();
+  session.download("IMG_1.JPG");
+  ASSERT_EQ(session.app->folders().folderCount(), 1);
+  session.operatorSeam.willAnswer(0);
+  session.app->resetWorkflow();
+  EXPECT_EQ(session.app->folders().folderCount(), 0);
+}
+
+TEST(FoldersOfPhotos, AreMovedByDroppingARowOntoAnother) {
+  AppSession session;
+  session.launch();
+  session.importNames({"Anna", "Ben"});
+  session.chooseTarget();
+  session.download("IMG_1.JPG");
+  session.operatorSeam.willAnswer(0);
+  ASSERT_TRUE(session.app->listEditing().acceptDrop({.draggedRow = 0, .ontoRow = true, .displayRow = 1}));
+  QCoreApplication::processEvents();
+  ASSERT_TRUE(session.app->photoFiler().finishQueued(10s));
+  EXPECT_EQ(session.operatorSeam.questions.back().title, "Move photos into \"Ben\"");
+  EXPECT_EQ(session.readFile(session.path("Photos/Ben/Ben_0001.JPG")), "photo");
+  EXPECT_EQ(session.app->list().grid().capturedForModelRow(0), 0);
+  EXPECT_EQ(session.app->list().grid().capturedForModelRow(1), 1);
+  EXPECT_EQ(session.app->list().selectedRow(), 1);
+}
+
+TEST(FoldersOfPhotos, AreMovedToTheEndWhenTheApplicationQuits) {
+  AppSession session;
+  session.launch();
+  session.importNames({"Anna"});
+  session.chooseTarget();
+  session.download("IMG_1.JPG");
+  session.app->folderRename().movePhotosFromRow(0, "Ben", {});
+  session.quit();
+  EXPECT_EQ(session.readFile(session.path("Photos/Ben/Ben_0001.JPG")), "photo");
+  EXPECT_EQ(session.readFile(session.storePath()), "File Name,Notes,Captured,Marker\nAnna,,0,\nBen,,1,");
+}
+
+// ---- The preview and the file manager
+
+TEST(Preview, IsShownForTheLastPhotoOfABurst) {
+  AppSession session;
+  session.launch();
+  session.importNames({"Anna"});
+  const QString target = session.chooseTarget();
+  QStringList wanted;
+  QObject::connect(&session.app->preview(), &PreviewList::imageWanted,
+                   [&](const QString& path) { wanted << path; });
+  session.download("IMG_1.JPG");
+  session.download("IMG_2.JPG");
+  session.clock.advance(450ms);
+  EXPECT_EQ(wanted, QStringList{target + "/Anna/Anna_0002.JPG"});
+}
+
+TEST(Preview, IsRevealedWhileItsFileExists) {
+  AppSession session;
+  session.launch();
+  session.app->revealPreviewInFinder();
+  EXPECT_EQ(session.operatorSeam.beeps, 1);
+  const QString photo = session.path("photo.jpg");
+  session.writeFile(photo, "photo");
+  session.app->preview().showPreviewPath(photo, PreviewList::ListRefresh::No);
+  session.app->preview().imageLoaded(photo);
+  session.app->revealPreviewInFinder();
+  EXPECT_EQ(session.revealed, QStringList{photo});
+  ASSERT_TRUE(QFile::remove(photo));
+  session.app->revealPreviewInFinder();
+  EXPECT_EQ(session.revealed, QStringList{photo});
+  EXPECT_EQ(session.operatorSeam.beeps, 2);
+}
+
+TEST(OpenFolder, OpensTheSelectedPersonsFirstFolder) {
+  AppSession session;
+  session.launch();
+  session.importNames({"Anna", "Ben"});
+  const QString target = session.chooseTarget();
+  QDir(target).mkpath("Anna_FR");
+  session.app->openSelectedRowFolder();
+  EXPECT_EQ(session.opened, QStringList{target + "/Anna_FR"});
+  session.app->ctxOpenFolder(1);
+  EXPECT_EQ(session.opened.back(), target);
+  EXPECT_EQ(session.app->statusLine().text(), "No photo folder exists yet for \"Ben\".");
+  EXPECT_EQ(session.app->statusLine().kind(), StatusKind::Neutral);
+}
+
+TEST(OpenFolder, WithoutAPersonOpensTheTargetFolderIfThereIsOne) {
+  AppSession session;
+  session.launch();
+  session.app->openSelectedRowFolder();
+  session.app->ctxOpenFolder(0);
+  EXPECT_EQ(session.opened, QStringList());
+  const QString target = session.chooseTarget();
+  session.app->openSelectedRowFolder();
+  EXPECT_EQ(session.opened, QStringList{target});
 }
 
 }  // namespace

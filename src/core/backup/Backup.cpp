@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/backup/Backup.h"
+
+#include <utility>
+
+namespace ambrel {
+
+using Kind = BackupOutcome::Kind;
+
+Backup::Backup(Clock& clock, Operator& operatorSeam, Files& files, StatusLine& statusLine,
+               Preferences& preferences, const Locations& locations, BackupSurroundings surroundings,
+               DriveMeans driveMeans)
+    : _clock(clock),
+      _operator(operatorSeam),
+      _files(files),
+      _statusLine(statusLine),
+      _preferences(preferences),
+      _surroundings(std::move(surroundings)),
+      _recovery(clock, preferences, statusLine, std::move(driveMeans)),
+      _backupQueue(files, locations),
+      _jobs(*this) {
+  connect(&_recovery, &DriveRecovery::driveBack, this, &Backup::processBackupQueue);
+  connect(&_backupQueue, &BackupQueue::written, this, [this] {
+    _queueWriteFailed = false;
+    processBackupQueue();
+  });
+  connect(&_backupQueue, &BackupQueue::notWritten, this, &Backup::queueNotWritten);
+}
+
+BackupState Backup::state() const {
+  return {.enabled = _backupEnabled,
+          .dir = _backupDir,
+          .queued = _backupQueue.size(),
+          .busy = _backupBusy,
+          .offline = _backupOffline,
+          .slow = _backupSlow,
+          .batchDone = _backupBatchDone,
+          .batchTotal = _backupBatchTotal};
+}
+
+QString Backup::backupDestForSource(const QString& source) const {
+  return ambrel::backupDestForSource(source, _surroundings.targetDir(), _backupDir);
+}
+
+void Backup::restore() {
+  _backupDir = _preferences.backupDir().value_or(QString());
+  _backupEnabled = _preferences.backupEnabled().value_or(false) && !_backupDir.isEmpty();
+  _backupQueue.loadBackupQueue();
+  Q_EMIT changed();
+  if (_backupEnabled && !_backupQueue.isEmpty()) {
+    _clock.callAfter(kStartDelay, this, [this] { processBackupQueue(); });
+  }
+}
+
+void Backup::stop() {
+  _stopped = true;
+  for (Clock::TimerId* timer : {&_backupTimer, &_slowTimer, &_saveTimer})
+    stopTimer(*timer);
+}
+
+void Backup::stopTimer(Clock::TimerId& timer) {
+  _clock.cancel(std::exchange(timer, Clock::kNoTimer));
+}
+
+// ---- The queue at work
+
+void Backup::backupSavedFile(const QString& path) {
+  if (!isSetUp() || path.isEmpty()) return;
+  if (_backupQueue.append(path)) {
+    ++_backupBatchTotal;
+    _backupQueue.saveBackupQueue();
+  }
+  Q_EMIT changed();
+  processBackupQueue();
+}
+
+void Backup::processBackupQueue() {
+  if (_stopped) return;
+  if (_backupBusy || !_backupEnabled || _backupQueue.isEmpty()) {
+    Q_EMIT changed();
+    return;
+  }
+  // A photo that does not count as queued yet is taken up when it does.
+  if (_backupDir.isEmpty() || !_backupQueue.firstMayGo()) return;
+  startCopy(_backupQueue.paths().first());
+}
+
+void Backup::startCopy(const QString& source) {
+  _backupBusy = true;
+  _backupSlow = false;
+  Q_EMIT changed();
+  _slowTimer = _clock.callAfter(kSlowAfter, this, [this] {
+    _backupSlow = true;
+    Q_EMIT changed();
+  });
+  const BackupJob job{.source = source,
+                      .targetDir = _surroundings.targetDir(),
+                      .backupDir = _backupDir,
+                      .driveIsThere = _recovery.driveCheck(_backupDir)};
+  _jobs.start([this, &files = _files, job]() -> BackgroundJobs::Reply {
+    return [this, job, outcome = copyToBackup(files, job)] { copyEnded(job.source, outcome); };
+  });
+}
+
+void Backup::copyEnded(const QString& source, const BackupOutcome& outcome) {
+  stopTimer(_slowTimer);
+  _backupBusy = false;
+  _backupSlow = false;
+  if (outcome.kind == Kind::Failed) {
+    copyFailed(outcome.message);
+  } else {
+    copySucceeded(source, outcome.kind);
+  }
+  Q_EMIT changed();
+}
+
+void Backup::copyFailed(const QString& message) {
+  _backupOffline = true;
+  if (isSetUp()) _recovery.attemptBackupDriveRecovery(_backupDir, false);
+  if (!std::exchange(_backupWarnedThisSession, true)) {
+    _operator.showAlert(QStringLiteral("Backup Paused"), backupPausedMessage(_backupQueue.size(), message));
+  }
+  scheduleBackupRetry();
+}
+
+void Backup::copySucceeded(const QString& source, Kind kind) {
+  _backupQueue.remove(source);
+  _backupQueue.saveBackupQueue();
+  if (kind == Kind::Done) {
+    ++_backupDoneCount;
+    ++_backupBatchDone;
+  }
+  _backupOffline = false;
+  _backupWarnedThisSession = false;
+  if (_backupQueue.isEmpty()) {
+    _backupBatchDone = 0;
+    _backupBatchTotal = 0;
+  }
+  processBackupQueue();
+}
+
+// ---- Trying again
+
+void Backup::scheduleBackupRetry() {
+  if (_stopped || _backupTimer != Clock::kNoTimer) return;
+  _backupTimer = _clock.callEvery(kRetryPeriod, this, [this] { backupRetryTick(); });
+}
+
+void Backup::backupRetryTick() {
+  if (!_backupQueue.isEmpty() && _backupEnabled) {
+    processBackupQueue();
+  } else {
+    stopTimer(_backupTimer);
+  }
+}
+
+// The photos are still queued in memory, and the next write holds all of them.
+void Backup::queueNotWritten(const QString& message) {
+  if (_stopped) return;
+  if (!std::exchange(_queueWriteFailed, true)) {
+    _statusLine.setStatus(QStringLiteral("The backup queue cannot be saved: ") + message, StatusKind::Error);
+  }
+  stopTimer(_saveTimer);
+  _saveTimer = _clock.callAfter(kRetryPeriod, this, [this] { _backupQueue.saveBackupQueue(); });
+  processBackupQueue();
+}
+
+}  // namespace ambrel

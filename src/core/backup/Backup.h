@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <chrono>
+#include <functional>
+
+#include "core/backup/BackupCopy.h"
+#include "core/backup/BackupQueue.h"
+#include "core/backup/BackupView.h"
+#include "core/backup/DriveRecovery.h"
+#include "core/base/BackgroundJobs.h"
+#include "core/base/Clock.h"
+#include "core/base/Files.h"
+#include "core/base/Locations.h"
+#include "core/base/Operator.h"
+#include "core/base/Preferences.h"
+#include "core/base/StatusLine.h"
+
+namespace ambrel {
+
+// What the backup asks of the rest of the application; the second on any thread.
+struct BackupSurroundings {
+  std::function<QString()> targetDir;
+  std::function<bool(const QString& name)> isImageFileName;
+};
+
+// Copies every filed photo to a second folder, which may lie on a network drive: one at a time, in the
+// background, from a queue that survives restarts. A copy that fails stays first in the queue and is tried
+// again for as long as the application runs.
+//
+// `files` is used by the copying thread. One that is stuck on a drive that is gone outlives this object, so
+// `files` has to last until the process ends.
+class Backup : public QObject {
+  Q_OBJECT
+ public:
+  static constexpr std::chrono::seconds kSlowAfter{4};
+  static constexpr std::chrono::seconds kRetryPeriod{20};
+  static constexpr std::chrono::seconds kStartDelay{2};
+
+  Backup(Clock& clock, Operator& operatorSeam, Files& files, StatusLine& statusLine, Preferences& preferences,
+         const Locations& locations, BackupSurroundings surroundings, DriveMeans driveMeans);
+
+  // Intents of the operator.
+  void chooseBackupFolder();
+  void toggleBackupEnabled();
+  void retryBackupNow();
+  void wakeAndReconnectBackup();
+  void backupMissingNow();
+  void clearBackupQueue();
+
+  // What the window shows. All of it may be different after changed().
+  BackupState state() const;
+  BackupButtonLook button() const { return backupButtonLook(state()); }
+  BackupMenuLook menu() const { return backupMenuLook(state()); }
+  BackupPopUp popUp() const { return backupPopUp(state()); }
+  BackupCardLook card() const { return backupCardLook(state()); }
+  QString backupStateText() const { return ambrel::backupStateText(state()); }
+  QString backupDir() const { return _backupDir; }
+  bool isEnabled() const { return _backupEnabled; }
+  qint64 backupDoneCount() const { return _backupDoneCount; }
+
+  // Settings and queue of the last run; what waits is copied from kStartDelay later on.
+  void restore();
+  // A photo has been filed under this absolute path.
+  void backupSavedFile(const QString& path);
+  // Starts the next copy where that is possible; safe to call at any time.
+  void processBackupQueue();
+  // The path that mirrors one in the target folder.
+  QString backupDestForSource(const QString& source) const;
+  const BackupQueue& queue() const { return _backupQueue; }
+  // For quitting: nothing is started any more. A copy under way is left to itself, and starts anew next time.
+  void stop();
+
+ Q_SIGNALS:
+  void changed();
+
+ private:
+  bool isSetUp() const { return _backupEnabled && !_backupDir.isEmpty(); }
+  void startCopy(const QString& source);
+  void copyEnded(const QString& source, const BackupOutcome& outcome);
+  void copyFailed(const QString& message);
+  void copySucceeded(const QString& source, BackupOutcome::Kind kind);
+  void scheduleBackupRetry();
+  void backupRetryTick();
+  void stopTimer(Clock::TimerId& timer);
+  void queueNotWritten(const QString& message);
+  void useBackupFolder(const QString& path);
+  bool refuseFolder(const QString& path);
+  void storeEnabled();
+  void queueMissing(const QStringList& missing);
+  void emptyQueue();
+
+  Clock& _clock;
+  Operator& _operator;
+  Files& _files;
+  StatusLine& _statusLine;
+  Preferences& _preferences;
+  BackupSurroundings _surroundings;
+  DriveRecovery _recovery;
+  BackupQueue _backupQueue;
+
+  QString _backupDir;
+  bool _backupEnabled = false;
+  bool _backupWarnedThisSession = false;
+  bool _backupBusy = false;
+  bool _backupOffline = false;
+  bool _backupSlow = false;
+  bool _lookingForMissing = false;
+  bool _queueWriteFailed = false;
+  bool _stopped = false;
+  qint64 _backupDoneCount = 0;
+  qint64 _backupBatchDone = 0;
+  qint64 _backupBatchTotal = 0;
+  Clock::TimerId _backupTimer = Clock::kNoTimer;
+  Clock::TimerId _slowTimer = Clock::kNoTimer;
+  Clock::TimerId _saveTimer = Clock::kNoTimer;
+  BackgroundJobs _jobs;
+};
+
+}  // namespace ambrel

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QString>
+#include <functional>
+#include <optional>
+
+#include "core/base/Files.h"
+
+namespace ambrel {
+
+// Where the backup copy of a photo belongs: the folders below the target folder are mirrored below the backup
+// folder; a photo from elsewhere goes to its top level. "Below" means that the path begins with the target
+// folder's, character by character: with the target folder /Shots, /Shots2/a.jpg becomes 2/a.jpg.
+QString backupDestForSource(const QString& source, const QString& targetDir, const QString& backupDir);
+
+// Bytes of a regular file that is no link; none where there is no such file or its size cannot be read.
+std::optional<quint64> backupCopySize(const QString& path);
+
+// One photo to copy, with everything as it stood when the job began.
+struct BackupJob {
+  static constexpr const char* kTemporarySuffix = ".ambrel_tmp";
+
+  QString source;
+  QString targetDir;
+  QString backupDir;
+  // Whether the drive that the backup folder lies on is there; asked only once the folder itself is.
+  std::function<bool()> driveIsThere = [] { return true; };
+};
+
+struct BackupOutcome {
+  enum class Kind { Done, Failed, SourceGone };
+  Kind kind = Kind::Failed;
+  QString message = {};  // why it failed; may be empty
+  bool operator==(const BackupOutcome&) const = default;
+};
+
+// Done means that the copy stands complete under its name and on the disk, or that a file of the same size
+// was there before. A failed copy leaves nothing behind that it can still remove. Blocks for as long as the
+// drive does; never for the main thread.
+BackupOutcome copyToBackup(Files& files, const BackupJob& job);
+
+}  // namespace ambrel

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QHash>
+#include <QObject>
+#include <QStringList>
+#include <mutex>
+
+#include "core/base/Files.h"
+#include "core/base/Locations.h"
+#include "core/base/WriteBehind.h"
+
+namespace ambrel {
+
+// The photos that still wait for their backup, oldest first, each once. Mirrored in a file after every
+// change: replaced whole and flushed, on a thread of its own. Photos that come while that thread waits for
+// the disk share the next write, so a burst costs neither the main thread nor the disk one write each.
+//
+// A photo counts as queued once a write that holds it has come to an end; until then it must not be copied.
+class BackupQueue : public QObject {
+  Q_OBJECT
+ public:
+  // `files` is used by the writing thread.
+  BackupQueue(Files& files, const Locations& locations);
+
+  // The folder is created whenever the path is asked for.
+  QString backupQueuePath() const;
+  void saveBackupQueue();
+  // Replaces the queue by what the file holds. A file that cannot be read as a queue leaves it empty, and is
+  // kept aside under the name "<file>.broken", followed by a number when that is taken.
+  void loadBackupQueue();
+
+  // False when the path is queued already.
+  bool append(const QString& path);
+  void remove(const QString& path);
+  void clear();
+
+  qint64 size() const { return _paths.size(); }
+  bool isEmpty() const { return _paths.isEmpty(); }
+  const QStringList& paths() const { return _paths; }
+  // Whether there is a first photo and it counts as queued.
+  bool firstMayGo() const;
+  // Returns when everything that was saved is on the disk, or has failed to get there.
+  void finishWriting() { _writer.finish(); }
+
+ Q_SIGNALS:
+  // What was saved is in the file; or, with a message, could not be written. Later than the call that saved.
+  void written();
+  void notWritten(const QString& message);
+
+ private:
+  struct Snapshot {
+    QStringList paths;
+    quint64 number = 0;
+  };
+  void write();
+  void settle(quint64 number, const Result<void>& result);
+  void keepAside(const QString& path);
+
+  Files& _files;
+  const Locations _locations;
+  QStringList _paths;
+  QHash<QString, quint64> _savedWith;  // the number of the save that each path waits for
+  quint64 _lastSave = 0;
+  quint64 _lastSettled = 0;
+  std::mutex _mutex;  // guards _toWrite
+  Snapshot _toWrite;
+  WriteBehind _writer;
+};
+
+}  // namespace ambrel

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/backup/QueueFile.h"
+
+#include <QFile>
+#include <QSet>
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <memory>
+#include <plist/plist.h>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "core/base/Text.h"
+
+namespace ambrel {
+namespace {
+
+// The one document type that property lists bear. It names no entities.
+constexpr const char* kDocumentType =
+    "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+    "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">";
+
+struct NodeDeleter {
+  void operator()(void* node) const { plist_free(node); }
+};
+using Node = std::unique_ptr<void, NodeDeleter>;
+
+struct TextDeleter {
+  void operator()(char* text) const { std::free(text); }
+};
+
+Failure notAQueue() {
+  return Failure{QStringLiteral("Not a property list of paths")};
+}
+
+// Looked for before any parser sees the bytes: entities that multiply, and containers nested so deeply that
+// walking or freeing them overflows the stack.
+bool isHarmless(const QByteArray& bytes) {
+  return !bytes.contains('\0') && !bytes.contains("<!DOCTYPE") && !bytes.contains("<!ENTITY") &&
+         bytes.count("<array") <= 1 && !bytes.contains("<dict");
+}
+
+bool isUsable(const QString& path) {
+  return path.startsWith(QLatin1Char('/'));
+}
+
+QStringList pathsIn(plist_t array) {
+  QStringList paths;
+  QSet<QString> known;
+  plist_array_iter walk = nullptr;
+  plist_array_new_iter(array, &walk);
+  const std::unique_ptr<void, decltype(&std::free)> owner(walk, &std::free);
+  plist_t item = nullptr;
+  for (plist_array_next_item(array, walk, &item); item; plist_array_next_item(array, walk, &item)) {
+    if (plist_get_node_type(item) != PLIST_STRING) continue;
+    std::uint64_t length = 0;
+    const char* text = plist_get_string_ptr(item, &length);
+    const QString path = text ? std_to_ns({text, static_cast<std::size_t>(length)}) : QString();
+    if (!isUsable(path) || known.contains(path)) continue;
+    known.insert(path);
+    paths.append(path);
+  }
+  return paths;
+}
+
+}  // namespace
+
+QByteArray encodeQueue(const QStringList& paths) {
+  const Node array(plist_new_array());
+  for (const QString& path : paths)
+    plist_array_append_item(array.get(), plist_new_string(path.toUtf8().constData()));
+  char* text = nullptr;
+  std::uint32_t length = 0;
+  plist_to_xml(array.get(), &text, &length);
+  const std::unique_ptr<char, TextDeleter> owner(text);
+  return {text, static_cast<qsizetype>(length)};
+}
+
+Result<QStringList> decodeQueue(QByteArray bytes) {
+  if (bytes.size() > kMaxQueueFileBytes) return notAQueue();
+  if (const qsizetype start = bytes.indexOf(kDocumentType); start >= 0) {
+    bytes.remove(start, static_cast<qsizetype>(qstrlen(kDocumentType)));
+  }
+  if (!isHarmless(bytes)) return notAQueue();
+  plist_t root = nullptr;
+  plist_from_xml(bytes.constData(), static_cast<std::uint32_t>(bytes.size()), &root);
+  const Node owner(root);
+  if (!root || plist_get_node_type(root) != PLIST_ARRAY) return notAQueue();
+  return pathsIn(root);
+}
+
+Result<QStringList> readQueueFile(const QString& path) {
+  // Without O_NONBLOCK a FIFO of that name would hold the launch up for ever.
+  const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (descriptor < 0) return errno == ENOENT ? Result<QStringList>(QStringList()) : notAQueue();
+  QFile file;
+  struct stat status = {};
+  const bool regular = ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+  if (!file.open(descriptor, QIODevice::ReadOnly | QIODevice::Unbuffered, QFile::AutoCloseHandle)) {
+    ::close(descriptor);
+    return notAQueue();
+  }
+  if (!regular || status.st_size > kMaxQueueFileBytes) return notAQueue();
+  QByteArray bytes = file.read(kMaxQueueFileBytes + 1);
+  if (file.error() != QFileDevice::NoError) return notAQueue();
+  return decodeQueue(std::move(bytes));
+}
+
+}  // namespace ambrel

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QByteArray>
+#include <QStringList>
+
+#include "core/base/Result.h"
+
+namespace ambrel {
+
+// The file that keeps the backup queue between launches: an XML property list whose root is an array of
+// strings, each an absolute path.
+constexpr qint64 kMaxQueueFileBytes = qint64{64} << 20;
+
+QByteArray encodeQueue(const QStringList& paths);
+// The absolute paths in `bytes`, each once, in their order; anything else in the array is left out. Fails on
+// what is no property list or no flat array, on any document type but that of property lists, and above
+// kMaxQueueFileBytes.
+Result<QStringList> decodeQueue(QByteArray bytes);
+// As decodeQueue. A missing file is an empty queue.
+Result<QStringList> readQueueFile(const QString& path);
+
+}  // namespace ambrel

@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+#include <semaphore>
+
+#include "core/backup/BackupQueue.h"
+#include "core/backup/QueueFile.h"
+#include "core/base/PosixFiles.h"
+#include "support/BrokenFiles.h"
+#include "support/EventLoop.h"
+#include "support/Printing.h"
+
+using namespace ambrel;
+using Operation = BrokenFiles::Operation;
+
+namespace {
+
+class BackupQueueTest : public ::testing::Test {
+ protected:
+  BackupQueueTest() { restart(); }
+  void restart() {
+    queue.reset();
+    queue = std::make_unique<BackupQueue>(files, locations);
+  }
+  void appendAndSave(const QString& path) {
+    queue->append(path);
+    queue->saveBackupQueue();
+  }
+  // What a start after this moment would find.
+  QStringList stored() {
+    queue->finishWriting();
+    return readQueueFile(queue->backupQueuePath()).value();
+  }
+  void writeQueueFile(const QByteArray& bytes) {
+    QFile file(queue->backupQueuePath());
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    ASSERT_EQ(file.write(bytes), bytes.size());
+  }
+  QStringList filesBeside() const {
+    return QDir(locations.applicationSupport + "/Ambrel Tether")
+        .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
+  }
+
+  QTemporaryDir folder;
+  Locations locations = Locations::below(folder.path());
+  PosixFiles realFiles;
+  BrokenFiles files{realFiles};
+  std::unique_ptr<BackupQueue> queue;
+};
+
+}  // namespace
+
+TEST_F(BackupQueueTest, LivesInTheApplicationsFolder) {
+  EXPECT_EQ(queue->backupQueuePath(), locations.applicationSupport + "/Ambrel Tether/backup_queue.plist");
+}
+
+TEST_F(BackupQueueTest, ComesBackInItsOrderAfterARestart) {
+  for (const QString path : {"/c", "/a", "/b"})
+    appendAndSave(path);
+  queue->remove("/a");
+  queue->saveBackupQueue();
+  EXPECT_EQ(stored(), (QStringList{"/c", "/b"}));
+  restart();
+  queue->loadBackupQueue();
+  EXPECT_EQ(queue->paths(), (QStringList{"/c", "/b"}));
+  EXPECT_TRUE(queue->firstMayGo());
+}
+
+TEST_F(BackupQueueTest, HoldsEachPathOnce) {
+  EXPECT_TRUE(queue->append("/a"));
+  EXPECT_FALSE(queue->append("/a"));
+  EXPECT_EQ(queue->size(), 1);
+  queue->remove("/a");
+  EXPECT_TRUE(queue->append("/a"));
+}
+
+TEST_F(BackupQueueTest, LetsThePhotoGoOnceItIsInTheFile) {
+  QStringList inFile;
+  QObject::connect(queue.get(), &BackupQueue::written, [&] { inFile = stored(); });
+  appendAndSave("/a");
+  EXPECT_FALSE(queue->firstMayGo());
+  ASSERT_TRUE(runEventsUntil([&] { return queue->firstMayGo(); }));
+  EXPECT_EQ(inFile, QStringList{"/a"});
+}
+
+TEST_F(BackupQueueTest, KeepsAPhotoBackThatCameAfterTheWriteBegan) {
+  std::counting_semaphore<> begun(0);
+  std::counting_semaphore<> goOn(0);
+  files.callBefore(Operation::Replace, [&](const QString&, const QString&) {
+    begun.release();
+    goOn.acquire();
+  });
+  appendAndSave("/a");
+  begun.acquire();
+  appendAndSave("/b");
+  goOn.release();
+  ASSERT_TRUE(runEventsUntil([&] { return queue->firstMayGo(); }));
+  queue->remove("/a");
+  EXPECT_FALSE(queue->firstMayGo());
+  goOn.release();
+  ASSERT_TRUE(runEventsUntil([&] { return queue->firstMayGo(); }));
+}
+
+TEST_F(BackupQueueTest, WritesABurstInFewPieces) {
+  std::counting_semaphore<> goOn(0);
+  files.callBefore(Operation::Replace, [&](const QString&, const QString&) { goOn.acquire(); });
+  for (int i = 0; i < 500; ++i)
+    appendAndSave(QStringLiteral("/photo %1").arg(i));
+  goOn.release(500);
+  EXPECT_EQ(stored().size(), 500);
+  EXPECT_LE(files.calls(Operation::Replace), 2);
+}
+
+TEST_F(BackupQueueTest, LetsPhotosGoThatCannotBeWrittenDownAndSaysSo) {
+  files.failAlways(Operation::Replace, "disk full");
+  QStringList messages;
+  QObject::connect(queue.get(), &BackupQueue::notWritten,
+                   [&](const QString& message) { messages.append(message); });
+  appendAndSave("/a");
+  ASSERT_TRUE(runEventsUntil([&] { return queue->firstMayGo(); }));
+  EXPECT_EQ(messages, QStringList{"disk full"});
+}
+
+TEST_F(BackupQueueTest, MakesItsFolderAnew) {
+  ASSERT_TRUE(QDir(locations.applicationSupport + "/Ambrel Tether").removeRecursively());
+  appendAndSave("/a");
+  EXPECT_EQ(stored(), QStringList{"/a"});
+}
+
+TEST_F(BackupQueueTest, IsEmptyWithoutAFile) {
+  queue->append("/left over");
+  queue->loadBackupQueue();
+  EXPECT_TRUE(queue->isEmpty());
+  EXPECT_FALSE(queue->firstMayGo());
+  EXPECT_EQ(filesBeside(), QStringList());
+}
+
+TEST_F(BackupQueueTest, KeepsAFileAsideThatItCannotRead) {
+  for (const QByteArray bytes : {"first", "second", "third"}) {
+    writeQueueFile(bytes);
+    queue->loadBackupQueue();
+    EXPECT_TRUE(queue->isEmpty());
+  }
+  EXPECT_EQ(filesBeside(), (QStringList{"backup_queue.plist.broken", "backup_queue.plist.broken-2",
+                                        "backup_queue.plist.broken-3"}));
+  appendAndSave("/a");
+  EXPECT_EQ(stored(), QStringList{"/a"});
+}
+
+TEST_F(BackupQueueTest, KeepsAFolderAsideThatStandsInItsPlace) {
+  ASSERT_TRUE(QDir().mkpath(queue->backupQueuePath() + "/inside"));
+  queue->loadBackupQueue();
+  EXPECT_EQ(filesBeside(), QStringList{"backup_queue.plist.broken"});
+  appendAndSave("/a");
+  EXPECT_EQ(stored(), QStringList{"/a"});
+}
+
+TEST_F(BackupQueueTest, ForgetsEverythingWhenCleared) {
+  appendAndSave("/a");
+  queue->clear();
+  queue->saveBackupQueue();
+  EXPECT_EQ(stored(), QStringList());
+  EXPECT_TRUE(queue->append("/a"));
+}

@@ -1,0 +1,429 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+
+#include "core/backup/QueueFile.h"
+#include "unit/core/backup/BackupFixture.h"
+
+using namespace ambrel;
+using namespace std::chrono_literals;
+using Alert = ScriptedOperator::Alert;
+using Operation = BrokenFiles::Operation;
+
+namespace {
+
+class BackupTest : public BackupFixture {
+ protected:
+  QStringList storedQueue() {
+    backup.reset();  // the last write is over
+    return readQueueFile(locations.dataFile("backup_queue.plist")).value();
+  }
+};
+
+}  // namespace
+
+// ---- Filed photos
+
+TEST_F(BackupTest, CopiesAFiledPhotoToTheMirroredPath) {
+  switchOn();
+  save("Ann/Ann_0001.jpg");
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_EQ(copyOf("Ann/Ann_0001.jpg"), "photo");
+  EXPECT_EQ(backup->backupDoneCount(), 1);
+  EXPECT_EQ(storedQueue(), QStringList());
+}
+
+TEST_F(BackupTest, CopiesPhotosInTheOrderOfTheirFiling) {
+  QStringList order;
+  files.callBefore(Operation::CopyToNew, [&](const QString& from, const QString&) { order.append(from); });
+  switchOn();
+  QStringList filed;
+  for (const QString name : {"c.jpg", "a.jpg", "b.jpg"})
+    filed.append(save(name));
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_EQ(order, filed);
+}
+
+TEST_F(BackupTest, NeverCopiesAPhotoBeforeItIsInTheQueueFile) {
+  QStringList inFile;
+  files.callBefore(Operation::CopyToNew, [&](const QString&, const QString&) {
+    inFile = readQueueFile(locations.dataFile("backup_queue.plist")).value();
+  });
+  switchOn();
+  const QString path = save("a.jpg");
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_EQ(inFile, QStringList{path});
+}
+
+TEST_F(BackupTest, QueuesNothingWhileOffOrForAnEmptyPath) {
+  save("a.jpg");
+  EXPECT_EQ(backup->queue().size(), 0);
+  switchOn();
+  backup->backupSavedFile("");
+  EXPECT_EQ(backup->queue().size(), 0);
+  backup->toggleBackupEnabled();
+  save("a.jpg");
+  EXPECT_EQ(backup->queue().size(), 0);
+}
+
+TEST_F(BackupTest, QueuesAPhotoOnceThatIsSavedTwice) {
+  switchOn();
+  save("a.jpg");
+  save("a.jpg");
+  EXPECT_EQ(backup->queue().size(), 1);
+  EXPECT_EQ(backup->state().batchTotal, 1);
+}
+
+TEST_F(BackupTest, PutsAPhotoFromElsewhereAtTheTopLevel) {
+  switchOn();
+  write(at("Elsewhere/deep/b.jpg"), "photo");
+  backup->backupSavedFile(at("Elsewhere/deep/b.jpg"));
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_EQ(copyOf("b.jpg"), "photo");
+}
+
+TEST_F(BackupTest, TellsThePathThatMirrorsAFolder) {
+  switchOn();
+  EXPECT_EQ(backup->backupDestForSource(target + "/Ann_FR"), copies + "/Ann_FR");
+}
+
+TEST_F(BackupTest, ForgetsAPhotoThatHasVanishedWithoutCountingIt) {
+  switchOn();
+  holdCopies();
+  save("a.jpg");
+  const QString gone = save("b.jpg");
+  ASSERT_TRUE(untilBusy());
+  ASSERT_TRUE(QFile::remove(gone));
+  letGo();
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_EQ(backup->backupDoneCount(), 1);
+  EXPECT_EQ(operatorSeam.alerts, std::vector<Alert>());
+}
+
+TEST_F(BackupTest, CountsTheBatchUntilTheQueueIsEmpty) {
+  switchOn();
+  holdCopies();
+  save("a.jpg");
+  save("b.jpg");
+  ASSERT_TRUE(untilBusy());
+  EXPECT_EQ(backup->state().batchTotal, 2);
+  EXPECT_EQ(backup->backupStateText(), "0% (0/2) · copying…");
+  letGo();
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_EQ(backup->state().batchDone, 0);
+  EXPECT_EQ(backup->state().batchTotal, 0);
+  EXPECT_EQ(backup->backupStateText(), "up to date");
+  EXPECT_EQ(backup->backupDoneCount(), 2);
+}
+
+TEST_F(BackupTest, ShowsItsProgressBetweenTwoCopies) {
+  switchOn();
+  int held = 0;
+  files.callBefore(Operation::CopyToNew, [&](const QString&, const QString&) {
+    if (++held == 4) gate.acquire();
+  });
+  for (const QString name : {"a.jpg", "b.jpg", "c.jpg", "d.jpg"})
+    save(name);
+  ASSERT_TRUE(until([this] { return backup->state().batchDone == 3 && backup->state().busy; }));
+  EXPECT_EQ(backup->button().title, "Backup 75%");
+  EXPECT_EQ(backup->backupStateText(), "75% (3/4) · copying…");
+  letGo();
+  ASSERT_TRUE(untilEmpty());
+}
+
+// ---- A slow copy
+
+TEST_F(BackupTest, CallsACopySlowThatTakesLongerThanFourSeconds) {
+  switchOn();
+  holdCopies();
+  save("a.jpg");
+  ASSERT_TRUE(untilBusy());
+  clock.advance(Backup::kSlowAfter - 1ms);
+  EXPECT_FALSE(backup->state().slow);
+  clock.advance(1ms);
+  EXPECT_EQ(backup->backupStateText(), "0% (0/1) · 1 left — slow network");
+  letGo();
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_FALSE(backup->state().slow);
+}
+
+TEST_F(BackupTest, DoesNotHoldTheSlownessOfOneCopyAgainstTheNext) {
+  switchOn();
+  save("a.jpg");
+  ASSERT_TRUE(untilEmpty());
+  clock.advance(3s);
+  holdCopies();
+  save("b.jpg");
+  ASSERT_TRUE(untilBusy());
+  clock.advance(3s);  // six since the first
+  EXPECT_FALSE(backup->state().slow);
+  letGo();
+  ASSERT_TRUE(untilEmpty());
+}
+
+// ---- A drive that goes and comes back
+
+TEST_F(BackupTest, PausesWithOneAlertWhenTheDriveIsGone) {
+  switchOn();
+  pullDrive();
+  save("a.jpg");
+  ASSERT_TRUE(untilFailed());
+  save("b.jpg");
+  ASSERT_TRUE(untilFailed());
+  EXPECT_EQ(operatorSeam.alerts, std::vector<Alert>({{"Backup Paused", backupPausedMessage(1, "")}}));
+  EXPECT_EQ(backup->button().title, "Backup ⚠ 2");
+  EXPECT_EQ(backup->button().color, BackupColor::Red);
+  EXPECT_EQ(backup->backupStateText(), "0% (0/2) · 2 waiting — drive offline");
+  EXPECT_EQ(backup->card(), (BackupCardLook{"2 queued", BackupColor::Orange}));
+}
+
+TEST_F(BackupTest, GoesOnAtTheNextTickOnceTheDriveIsBack) {
+  switchOn();
+  pullDrive();
+  save("a.jpg");
+  save("b.jpg");
+  ASSERT_TRUE(untilFailed());
+  plugDrive();
+  clock.advance(Backup::kRetryPeriod);
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_EQ(copyOf("a.jpg"), "photo");
+  EXPECT_EQ(copyOf("b.jpg"), "photo");
+  EXPECT_FALSE(backup->state().offline);
+}
+
+TEST_F(BackupTest, WarnsAgainAfterASuccess) {
+  switchOn();
+  for (const QString name : {"a.jpg", "b.jpg"}) {
+    pullDrive();
+    save(name);
+    ASSERT_TRUE(untilFailed());
+    plugDrive();
+    clock.advance(Backup::kRetryPeriod);
+    ASSERT_TRUE(untilEmpty());
+  }
+  EXPECT_EQ(operatorSeam.alerts.size(), 2u);
+}
+
+TEST_F(BackupTest, SaysWhyACopyFailed) {
+  files.failAlways(Operation::CopyToNew, "No space left on device");
+  switchOn();
+  save("a.jpg");
+  ASSERT_TRUE(untilFailed());
+  EXPECT_EQ(operatorSeam.alerts,
+            std::vector<Alert>({{"Backup Paused", backupPausedMessage(1, "No space left on device")}}));
+}
+
+TEST_F(BackupTest, LetsAnEmptyPhotoHoldUpThoseBehindIt) {
+  switchOn();
+  save("empty.jpg", "");
+  save("b.jpg");
+  for (int attempt = 0; attempt < 3; ++attempt) {
+    ASSERT_TRUE(untilFailed());
+    clock.advance(Backup::kRetryPeriod);
+  }
+  ASSERT_TRUE(untilFailed());
+  EXPECT_EQ(backup->queue().size(), 2);
+  EXPECT_EQ(copyOf("b.jpg"), "(missing)");
+  EXPECT_EQ(operatorSeam.alerts.front().message,
+            backupPausedMessage(2, "incomplete copy (connection dropped)"));
+}
+
+TEST_F(BackupTest, NeverGivesUp) {
+  switchOn();
+  pullDrive();
+  save("a.jpg");
+  ASSERT_TRUE(untilFailed());
+  for (int hour = 0; hour < 2; ++hour) {
+    clock.advance(1h);
+    ASSERT_TRUE(untilFailed());
+  }
+  EXPECT_EQ(backup->queue().size(), 1);
+}
+
+TEST_F(BackupTest, EndsTheRetryTimerAtTheFirstTickWithNothingToDo) {
+  switchOn();
+  pullDrive();
+  save("a.jpg");
+  ASSERT_TRUE(untilFailed());
+  const std::size_t withTimer = clock.pendingTimers();
+  plugDrive();
+  backup->retryBackupNow();
+  ASSERT_TRUE(untilEmpty());
+  clock.advance(StatusLine::kRevertDelay);
+  const std::size_t before = clock.pendingTimers();
+  clock.advance(Backup::kRetryPeriod);
+  EXPECT_EQ(clock.pendingTimers(), before - 1);
+  EXPECT_LT(clock.pendingTimers(), withTimer);
+}
+
+TEST_F(BackupTest, NeverStartsASecondRetryTimer) {
+  switchOn();
+  pullDrive();
+  save("a.jpg");
+  ASSERT_TRUE(untilFailed());
+  const std::size_t timers = clock.pendingTimers();
+  backup->processBackupQueue();
+  ASSERT_TRUE(untilFailed());
+  EXPECT_EQ(clock.pendingTimers(), timers);
+}
+
+TEST_F(BackupTest, DoesNotWriteTheQueueAnewWhenACopyFails) {
+  switchOn();
+  pullDrive();
+  save("a.jpg");
+  ASSERT_TRUE(untilFailed());
+  const int writes = files.calls(Operation::Replace);
+  backup->processBackupQueue();
+  ASSERT_TRUE(untilFailed());
+  EXPECT_EQ(files.calls(Operation::Replace), writes);
+}
+
+TEST_F(BackupTest, WaitsForADriveWhoseEmptyMountPointIsStillThere) {
+  drive.setVolume(MountedVolume{"//nas/photos", "cifs"});
+  switchOn();
+  drive.setVolume(MountedVolume{"/dev/sda1", "ext4"});
+  drive.remountSucceeds = false;
+  save("a.jpg");
+  ASSERT_TRUE(untilFailed());
+  EXPECT_EQ(copyOf("a.jpg"), "(missing)");
+  drive.setVolume(MountedVolume{"//nas.local/photos", "cifs"});
+  clock.advance(Backup::kRetryPeriod);
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_EQ(copyOf("a.jpg"), "photo");
+}
+
+// ---- Recovery
+
+TEST_F(BackupTest, TriesToBringTheDriveBackAfterAFailure) {
+  drive.setVolume(MountedVolume{"//nas/photos", "cifs"});
+  switchOn();
+  pullDrive();
+  drive.whenRemounted = [this] { plugDrive(); };
+  save("a.jpg");
+  ASSERT_TRUE(until([this] { return copyOf("a.jpg") == "photo"; }));
+  EXPECT_EQ(drive.remounts, QStringList{"smb://nas/photos"});
+  EXPECT_EQ(status(), (StatusText{"Backup drive reconnected — resuming backups.", StatusKind::Good}));
+}
+
+TEST_F(BackupTest, TriesNoRecoveryForACopyThatFailsAfterBackupWasSwitchedOff) {
+  drive.setVolume(MountedVolume{"//nas/photos", "cifs"});
+  switchOn();
+  files.failAlways(Operation::CopyToNew, "gone");
+  holdCopies();
+  save("a.jpg");
+  ASSERT_TRUE(untilBusy());
+  backup->toggleBackupEnabled();
+  letGo();
+  ASSERT_TRUE(untilFailed());
+  clock.advance(1min);
+  EXPECT_EQ(drive.remountCount(), 0);
+}
+
+// ---- The queue file
+
+TEST_F(BackupTest, GoesOnTwoSecondsAfterARestartWithWhatWaits) {
+  switchOn();
+  pullDrive();
+  save("a.jpg");
+  ASSERT_TRUE(untilFailed());
+  plugDrive();
+  restart();
+  EXPECT_EQ(backup->queue().size(), 1);
+  EXPECT_EQ(backup->button().title, "Backup 1⏳");
+  clock.advance(Backup::kStartDelay - 1ms);
+  EXPECT_FALSE(backup->state().busy);
+  clock.advance(1ms);
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_EQ(copyOf("a.jpg"), "photo");
+}
+
+TEST_F(BackupTest, KeepsWhatWaitsWhileItIsOff) {
+  switchOn();
+  pullDrive();
+  save("a.jpg");
+  ASSERT_TRUE(untilFailed());
+  backup->toggleBackupEnabled();
+  restart();
+  clock.advance(1min);
+  EXPECT_EQ(backup->queue().size(), 1);
+  EXPECT_FALSE(backup->state().busy);
+}
+
+TEST_F(BackupTest, StartsOffWithoutAStoredFolder) {
+  preferences.setBackupEnabled(true);
+  restart();
+  EXPECT_FALSE(backup->isEnabled());
+}
+
+TEST_F(BackupTest, StartsAsItWasLeft) {
+  switchOn();
+  restart();
+  EXPECT_TRUE(backup->isEnabled());
+  EXPECT_EQ(backup->backupDir(), copies);
+}
+
+TEST_F(BackupTest, StartsEmptyAndSilentWithABrokenQueueFile) {
+  write(locations.dataFile("backup_queue.plist"), "no list");
+  restart();
+  EXPECT_TRUE(backup->queue().isEmpty());
+  EXPECT_EQ(operatorSeam.alerts, std::vector<Alert>());
+}
+
+TEST_F(BackupTest, SaysOnceThatTheQueueCannotBeSavedAndTriesAgainByItself) {
+  switchOn();
+  files.failCall(Operation::Replace, 1, "disk full");
+  pullDrive();
+  const QString path = save("a.jpg");
+  ASSERT_TRUE(untilFailed());
+  EXPECT_EQ(status(), (StatusText{"The backup queue cannot be saved: disk full", StatusKind::Error}));
+  clock.advance(Backup::kRetryPeriod);
+  EXPECT_EQ(storedQueue(), QStringList{path});
+}
+
+// ---- Quitting
+
+TEST_F(BackupTest, NeverWaitsForACopyThatHangs) {
+  switchOn();
+  holdCopies();
+  save("a.jpg");
+  ASSERT_TRUE(untilBusy());
+  backup->stop();
+  const auto begun = std::chrono::steady_clock::now();
+  backup.reset();
+  EXPECT_LT(std::chrono::steady_clock::now() - begun, 2s);
+  letGo();
+  ASSERT_TRUE(until([this] { return copyOf("a.jpg") == "photo"; }));  // it still uses the files
+}
+
+TEST_F(BackupTest, StartsNothingMoreOnceStopped) {
+  switchOn();
+  pullDrive();
+  save("a.jpg");
+  ASSERT_TRUE(untilFailed());
+  backup->stop();
+  plugDrive();
+  clock.advance(1min);
+  backup->processBackupQueue();
+  EXPECT_FALSE(backup->state().busy);
+}
+
+TEST_F(BackupTest, StillQueuesAPhotoThatIsFiledWhileQuitting) {
+  switchOn();
+  pullDrive();
+  backup->stop();
+  const QString path = save("a.jpg");
+  EXPECT_EQ(storedQueue(), QStringList{path});
+}
+
+TEST_F(BackupTest, SaysWheneverWhatIsShownBecameStale) {
+  int times = 0;
+  QObject::connect(backup.get(), &Backup::changed, [&] { ++times; });
+  const auto changes = [&](const std::function<void()>& act) {
+    times = 0;
+    act();
+    return times > 0;
+  };
+  EXPECT_TRUE(changes([this] { switchOn(); }));
+  EXPECT_TRUE(changes([this] { save("a.jpg"); }));
+  EXPECT_TRUE(changes([this] { ASSERT_TRUE(untilEmpty()); }));
+  EXPECT_TRUE(changes([this] { backup->toggleBackupEnabled(); }));
+}
