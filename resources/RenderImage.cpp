@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Build step: renders an SVG drawing into a square PNG.
-//   ambrel_render_image DRAWING.svg PICTURE.png PIXELS
+// Build step: renders an SVG drawing into a square picture, in the format of the picture's extension.
+//   ambrel_render_image DRAWING.svg PICTURE PIXELS
 #include <QImage>
 #include <QPainter>
 #include <QSvgRenderer>
@@ -8,7 +8,7 @@
 
 int main(int argc, char** argv) {
   if (argc != 4) {
-    std::fputs("usage: ambrel_render_image DRAWING.svg PICTURE.png PIXELS\n", stderr);
+    std::fputs("usage: ambrel_render_image DRAWING.svg PICTURE PIXELS\n", stderr);
     return 2;
   }
   QSvgRenderer drawing(QString::fromLocal8Bit(argv[1]));

@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <QApplication>
+#include <QDesktopServices>
 #include <QDir>
 #include <QTemporaryDir>
+#include <QUrl>
 #include <cstdio>
 
 #include "core/app/AmbrelAppDelegate.h"
 #include "core/app/CommandLine.h"
 #include "core/base/PosixFiles.h"
 #include "core/base/SystemClock.h"
+#include "core/platform/FileManager.h"
 #include "core/platform/QuitSignals.h"
 #include "core/worker/ProcessLink.h"
 #include "core/worker/StrayWorkers.h"
@@ -24,15 +27,25 @@ constexpr int kUsageError = 2;
 
 // The application on `locations` until it is quit; `launched` is called once the launch has begun.
 int runApplication(QApplication& application, const Bundle& bundle, SystemClock& clock,
-                   const Locations& locations,
+                   const Locations& locations, const QUrl& releaseHost,
                    const std::function<void(AmbrelAppDelegate&, ui::MainWindow&)>& launched) {
-  // The filing thread may outlive everything else on a drive that hangs: what it uses is never destroyed.
+  // A filing or copying thread may outlive everything else on a drive that hangs: what it uses is never
+  // destroyed.
   static PosixFiles files;
   ui::Dialogs dialogs;
   ProcessLink link;
   const StrayWorkerMeans means = StrayWorkerMeans::ofTheSystem();
-  AmbrelAppDelegate delegate(clock, dialogs, files, link,
-                             {locations, bundle, [means](qint64 own) { killStrayWorkers(own, means); }});
+  FileManager fileManager;
+  AmbrelAppDelegate delegate(
+      clock, dialogs, files, link,
+      {.locations = locations,
+       .bundle = bundle,
+       .killStrayWorkers = [means](qint64 own) { killStrayWorkers(own, means); },
+       .driveMeans = DriveMeans::ofTheSystem(),
+       .releaseHost = releaseHost,
+       .openInBrowser = [](const QUrl& address) { QDesktopServices::openUrl(address); },
+       .openFolder = [&fileManager](const QString& folder) { fileManager.openFolder(folder); },
+       .revealFile = [&fileManager](const QString& file) { fileManager.reveal(file); }});
   ui::MainWindow window(delegate);
   dialogs.setParentWindow(&window);
 
@@ -70,7 +83,7 @@ int runDemo(QApplication& application, const Bundle& bundle, const CommandLine& 
     return 1;
   }
   qputenv("AMBREL_CAMERA_PORT", camera.cameraPort().toUtf8());
-  return runApplication(application, bundle, clock, shoot.value().locations,
+  return runApplication(application, bundle, clock, shoot.value().locations, QUrl(),
                         [&](AmbrelAppDelegate& delegate, ui::MainWindow& window) {
                           demo.run(delegate,
                                    [&window](const QString& file) { return window.grab().save(file); });
@@ -92,15 +105,17 @@ int main(int argc, char** argv) {
     std::fputs(commandLineHelp().toUtf8().constData(), stdout);
     return 0;
   }
-  QApplication application(argc, argv);
-  const Bundle bundle = Bundle::aroundProgram(QCoreApplication::applicationDirPath());
   if (line.value().task == CommandLine::Task::Version) {
+    const QCoreApplication withoutADisplay(argc, argv);
+    const Bundle bundle = Bundle::aroundProgram(QCoreApplication::applicationDirPath());
     std::printf("Ambrel Photo Tether %s\n", bundle.displayVersion().toUtf8().constData());
     return 0;
   }
+  QApplication application(argc, argv);
+  const Bundle bundle = Bundle::aroundProgram(QCoreApplication::applicationDirPath());
   ui::applyApplicationAppearance(application);
   if (line.value().task == CommandLine::Task::Demo) return runDemo(application, bundle, line.value());
   SystemClock clock;
   return runApplication(application, bundle, clock, Locations::forThisUser(),
-                        [](AmbrelAppDelegate&, ui::MainWindow&) {});
+                        ReleaseService::configuredHost(), [](AmbrelAppDelegate&, ui::MainWindow&) {});
 }

@@ -33,6 +33,19 @@ QLabel* makeText(const QString& text, const QFont& font, const QColor& color) {
   return label;
 }
 
+// The area's own height, or as much as its highest control takes: nothing is cut off.
+int heightFor(const Accessory& accessory) {
+  int height = accessory.size.height();
+  const auto hold = [&height](const auto& controls) {
+    for (const auto& control : controls)
+      height = std::max(height, control.rect.y() + control.rect.height());
+  };
+  hold(accessory.labels);
+  hold(accessory.textFields);
+  hold(accessory.checkBoxes);
+  return height;
+}
+
 }  // namespace
 
 AlertDialog::AlertDialog(const Question& question, QWidget* parent)
@@ -49,7 +62,7 @@ AlertDialog::AlertDialog(const Question& question, QWidget* parent)
     texts->addWidget(makeText(question.message, systemFont(13), withOpacity(Qt::black, 0.65)));
   if (question.accessory) {
     texts->addSpacing(4);
-    texts->addWidget(makeAccessory(*question.accessory));
+    texts->addWidget(makeAccessory(*question.accessory, question.title));
   }
   texts->addStretch();
 
@@ -79,12 +92,12 @@ AlertDialog::AlertDialog(const Question& question, QWidget* parent)
   }
 }
 
-QWidget* AlertDialog::makeAccessory(const Accessory& accessory) {
+QWidget* AlertDialog::makeAccessory(const Accessory& accessory, const QString& title) {
   auto* area = new QWidget;
-  area->setFixedSize(accessory.size);
+  const int height = heightFor(accessory);
+  area->setFixedSize(accessory.size.width(), height);
   const auto place = [&](QWidget* widget, const QRect& rect) {
-    widget->setGeometry(
-        layout::fromBottom(accessory.size.height(), rect.x(), rect.y(), rect.width(), rect.height()));
+    widget->setGeometry(layout::fromBottom(height, rect.x(), rect.y(), rect.width(), rect.height()));
   };
   for (const Accessory::Label& label : accessory.labels) {
     const QFont font = label.heading ? systemFont(11, QFont::Bold) : systemFont(12);
@@ -96,6 +109,7 @@ QWidget* AlertDialog::makeAccessory(const Accessory& accessory) {
     edit->setFont(systemFont(kFieldFontSize));
     edit->setPlaceholderText(field.placeholder);
     edit->setCursorPosition(0);
+    edit->setAccessibleName(field.placeholder.isEmpty() ? title : field.placeholder);
     place(edit, field.rect);
     _textFields.push_back(edit);
   }

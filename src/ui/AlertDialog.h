@@ -27,7 +27,7 @@ class AlertDialog : public QDialog {
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
-  QWidget* makeAccessory(const Accessory& accessory);
+  QWidget* makeAccessory(const Accessory& accessory, const QString& title);
   QWidget* makeButtonRow(const QStringList& titles);
   void press(int button);
 

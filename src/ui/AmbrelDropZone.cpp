@@ -2,7 +2,6 @@
 #include "ui/AmbrelDropZone.h"
 
 #include <QDropEvent>
-#include <QFileInfo>
 #include <QKeyEvent>
 #include <QKeySequence>
 #include <QMouseEvent>
@@ -11,6 +10,7 @@
 #include <QTextOption>
 #include <QUrl>
 
+#include "core/list/ListEditing.h"
 #include "ui/Appearance.h"
 
 namespace ambrel::ui {
@@ -20,33 +20,26 @@ constexpr int kInset = 16;
 constexpr double kCornerRadius = 12;
 constexpr double kLineWidth = 2;
 
-QString invitation(const QColor& color, bool takesDrops, bool takesPaste) {
-  QString ways = QStringLiteral("Click to import a CSV<br>(only the first column is used)");
-  if (takesDrops) ways += QStringLiteral("<br><br>or drag a CSV file here");
-  if (takesPaste) {
-    const QString key = QKeySequence(QKeySequence::Paste).toString(QKeySequence::NativeText);
-    ways += QStringLiteral("<br><br>or paste names with&nbsp; ") + key;
-  }
+QString invitation(const QColor& color) {
+  const QString pasteKey = QKeySequence(QKeySequence::Paste).toString(QKeySequence::NativeText);
   return QStringLiteral(
              "<div align='center' style='color:rgba(%1,%2,%3,%4)'>"
-             "<span style='font-size:17px; font-weight:700'>Your list is empty</span><br><br>%5</div>")
+             "<span style='font-size:17px; font-weight:700'>Your list is empty</span><br><br>"
+             "Click to import a CSV<br>(only the first column is used)<br><br>or drag a CSV file here<br><br>"
+             "or paste names with&nbsp; %5</div>")
       .arg(color.red())
       .arg(color.green())
       .arg(color.blue())
       .arg(color.alpha())
-      .arg(ways);
+      .arg(pasteKey);
 }
 
 }  // namespace
 
-QStringList droppedListFiles(const QMimeData& data) {
+QStringList droppedPaths(const QMimeData& data) {
   QStringList paths;
-  for (const QUrl& url : data.urls()) {
-    if (!url.isLocalFile()) continue;
-    const QString path = url.toLocalFile();
-    const QString extension = QFileInfo(path).suffix().toLower();
-    if (extension == QLatin1String("csv") || extension == QLatin1String("txt")) paths.append(path);
-  }
+  for (const QUrl& url : data.urls())
+    if (url.isLocalFile()) paths.append(url.toLocalFile());
   return paths;
 }
 
@@ -67,11 +60,6 @@ void AmbrelDropZone::setTextColor(const QColor& color) {
   update();
 }
 
-void AmbrelDropZone::setPasteHint(bool shown) {
-  _pasteHint = shown;
-  update();
-}
-
 void AmbrelDropZone::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
@@ -87,8 +75,7 @@ void AmbrelDropZone::paintEvent(QPaintEvent*) {
   QTextDocument text;
   text.setDefaultFont(systemFont(13));
   text.setDocumentMargin(0);
-  text.setHtml(invitation(_textColor.isValid() ? _textColor : Palette::secondaryLabelColor(),
-                          onDropPaths != nullptr, _pasteHint));
+  text.setHtml(invitation(_textColor.isValid() ? _textColor : Palette::secondaryLabelColor()));
   text.setTextWidth(inner.width());
   painter.translate(inner.left(), inner.center().y() - text.size().height() / 2);
   text.drawContents(&painter);
@@ -114,7 +101,7 @@ void AmbrelDropZone::dragEnterEvent(QDragEnterEvent* event) {
 }
 
 void AmbrelDropZone::dropEvent(QDropEvent* event) {
-  const QStringList paths = droppedListFiles(*event->mimeData());
+  const QStringList paths = droppedCSVPaths(droppedPaths(*event->mimeData()));
   if (paths.isEmpty() || !onDropPaths || !onDropPaths(paths)) {
     event->ignore();
     return;

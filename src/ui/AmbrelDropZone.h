@@ -7,8 +7,8 @@
 
 namespace ambrel::ui {
 
-// The local CSV and text files of a drag, in its order; the extension in any letter case.
-QStringList droppedListFiles(const QMimeData& data);
+// The local files of a drag, in its order.
+QStringList droppedPaths(const QMimeData& data);
 
 // What stands in the table's place while the list is empty: invites a click or a dropped list file.
 class AmbrelDropZone : public QWidget {
@@ -23,8 +23,6 @@ class AmbrelDropZone : public QWidget {
   // Invalid colours: gray, and the secondary label colour.
   void setBorderColor(const QColor& color);
   void setTextColor(const QColor& color);
-  // Whether names can be pasted here, so that the text says so.
-  void setPasteHint(bool shown);
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -36,7 +34,6 @@ class AmbrelDropZone : public QWidget {
  private:
   QColor _borderColor;
   QColor _textColor;
-  bool _pasteHint = false;
 };
 
 }  // namespace ambrel::ui

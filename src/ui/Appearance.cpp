@@ -51,24 +51,30 @@ QFont systemFont(int pixelSize, QFont::Weight weight) {
 
 void applyApplicationAppearance(QApplication& application) {
   const Palette palette;
-  QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
   QApplication::setPalette(toolkitPalette(palette));
+  const QString sheet = applicationStyleSheet(palette);
+  // A style taken on again would be worked out anew for every widget.
+  if (application.styleSheet() == sheet) return;
+  QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
   QFont font;
   font.setFamilies(systemFontFamilies());
   font.setPixelSize(13);
   QApplication::setFont(font);
-  application.setStyleSheet(applicationStyleSheet(palette));
+  application.setStyleSheet(sheet);
 }
 
 QString applicationStyleSheet(const Palette& palette) {
   const QString sheet = QStringLiteral(R"(
     QLineEdit { background: %field; color: %text; border: 1px solid %border; border-radius: 9px;
                 padding: 0 9px; selection-background-color: %brand; selection-color: white; }
+    QLineEdit:focus { border: 2px solid %brand; padding: 0 8px; }
+    QLineEdit#searchField:focus { border: 1px solid %border; padding: 0 9px; }
     QLineEdit:disabled { background: %panel; color: %secondary; }
-    QLineEdit#counterField { background: transparent; border: none; padding: 0; color: %brand; }
+    QLineEdit#counterField, QLineEdit#counterField:focus { background: transparent; border: none; padding: 0;
+                                                           color: %brand; }
     QLineEdit#counterField:disabled { color: %tertiary; }
     QFileDialog QLineEdit { min-height: 24px; }
-    QLineEdit#cellEditor { border: 1px solid %brand; border-radius: 6px; padding: 0 3px; }
+    QLineEdit#cellEditor, QLineEdit#cellEditor:focus { border: 1px solid %brand; border-radius: 6px; padding: 0 3px; }
     QMenuBar { background: %background; color: %text; spacing: 2px; padding: 2px 8px; }
     QMenuBar::item { background: transparent; padding: 4px 9px; border-radius: 6px; }
     QMenuBar::item:selected { background: %brand; color: white; }
@@ -88,8 +94,9 @@ QString applicationStyleSheet(const Palette& palette) {
     QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0; }
     QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }
     QToolTip { background: %panel; color: %text; border: 1px solid %border; padding: 4px 6px; }
-    QTableView { background: %card; border: none; border-left: 1px solid %border;
-                 border-right: 1px solid %border; }
+    QTableView { background: %card; border: 1px solid %border; border-top-color: %card;
+                 border-bottom-color: %card; }
+    QTableView:focus { border: 1px solid %brand; }
     QHeaderView { background: %panel; border: none; }
     QHeaderView::section { background: %panel; color: %secondary; border: none;
                            border-bottom: 1px solid %border; padding: 0 8px; font-weight: 600; }
@@ -175,6 +182,22 @@ QColor statusColor(StatusKind kind, const Palette& palette) {
       return palette.orangeColor();
   }
   return palette.orangeColor();
+}
+
+QColor backupColor(BackupColor color, const Palette& palette) {
+  switch (color) {
+    case BackupColor::Gray:
+      return palette.grayColor();
+    case BackupColor::Green:
+      return palette.greenColor();
+    case BackupColor::Orange:
+      return palette.orangeColor();
+    case BackupColor::Red:
+      return palette.redColor();
+    case BackupColor::Secondary:
+      return Palette::secondaryLabelColor();
+  }
+  return Palette::secondaryLabelColor();
 }
 
 }  // namespace ambrel::ui

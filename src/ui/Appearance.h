@@ -5,6 +5,7 @@
 #include <QLineEdit>
 #include <QPainter>
 
+#include "core/backup/BackupView.h"
 #include "core/base/StatusLine.h"
 #include "ui/Palette.h"
 
@@ -29,5 +30,6 @@ void styleTextFieldBox(QLineEdit* field);
 void styleCounterField(QLineEdit* field);
 
 QColor statusColor(StatusKind kind, const Palette& palette);
+QColor backupColor(BackupColor color, const Palette& palette);
 
 }  // namespace ambrel::ui

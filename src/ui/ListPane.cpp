@@ -4,14 +4,12 @@
 #include <QHeaderView>
 
 #include "ui/Appearance.h"
-#include "ui/NameTableDelegate.h"
 #include "ui/WindowLayout.h"
 
 namespace ambrel::ui {
 namespace {
 
-constexpr int kMarkerWidth = 44;
-constexpr int kCountWidth = 58;
+constexpr int kGlyphTitleSize = 17;
 constexpr int kNoteSymbolSize = 17;
 constexpr int kNoteIndicatorSize = 15;
 
@@ -21,15 +19,16 @@ int columnIndex(NameColumn column) {
 
 }  // namespace
 
-ListPane::ListPane(NameList& list, QWidget* parent)
+ListPane::ListPane(NameList& list, ListEditing& editing, QWidget* parent)
     : Surface(parent),
       _list(list),
+      _editing(editing),
       _searchField(new QLineEdit(list.searchText(), this)),
+      _addSearchButton(new AmbrelButton(this)),
       _clearSearchButton(new AmbrelButton(this)),
       _filterButton(new AmbrelButton(this)),
       _exportButton(new AmbrelButton(this)),
-      _model(new NameTableModel(list, this)),
-      _table(new AmbrelTableView(this)),
+      _table(new NameTable(list, editing, this)),
       _emptyDropButton(new AmbrelDropZone(this)),
       _noteIconView(new SymbolView(Symbol::Pencil, kNoteSymbolSize, Palette().brandColor(), this)),
       _noteField(new NoteField(list, this)),
@@ -47,6 +46,7 @@ ListPane::ListPane(NameList& list, QWidget* parent)
 void ListPane::buildSearchRow() {
   styleTextFieldBox(_searchField);
   _searchField->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+  _searchField->setObjectName(QStringLiteral("searchField"));
   _searchField->setPlaceholderText(QStringLiteral("Search by name..."));
   _searchField->setAccessibleName(QStringLiteral("Search by name"));
   connect(_searchField, &QLineEdit::textEdited, this,
@@ -54,8 +54,13 @@ void ListPane::buildSearchRow() {
   connect(&_list, &NameList::searchTextChanged, this, [this] {
     if (_searchField->text() != _list.searchText()) _searchField->setText(_list.searchText());
   });
+  _addSearchButton->styleButton(QStringLiteral("+"), Palette().greenColor(), true);
+  _addSearchButton->setTitlePixelSize(kGlyphTitleSize);
+  _addSearchButton->setAccessibleName(QStringLiteral("Add the search text as a new name"));
+  _addSearchButton->setToolTip(QStringLiteral("Add the search text as a new name"));
+  connect(_addSearchButton, &AmbrelButton::clicked, this, [this] { _editing.addSearchAsCSVRow(); });
   _clearSearchButton->styleButton(QStringLiteral("×"), Palette().blueColor(), true);
-  _clearSearchButton->setTitlePixelSize(17);
+  _clearSearchButton->setTitlePixelSize(kGlyphTitleSize);
   _clearSearchButton->setAccessibleName(QStringLiteral("Clear the search box"));
   _clearSearchButton->setToolTip(QStringLiteral("Clear the search box"));
   connect(_clearSearchButton, &AmbrelButton::clicked, this, [this] { _list.clearSearch(); });
@@ -74,29 +79,21 @@ void ListPane::buildFilterRow() {
 }
 
 void ListPane::buildTable() {
-  _table->setModel(_model);
-  _table->setItemDelegate(new NameTableDelegate(_table));
-  _table->setAmbrelSelectionColor(Palette().brandColor());
-  _table->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
-  QHeaderView* header = _table->horizontalHeader();
-  header->setSectionsClickable(true);
-  header->setMinimumSectionSize(30);
-  header->setSectionResizeMode(columnIndex(NameColumn::Marker), QHeaderView::Fixed);
-  header->setSectionResizeMode(columnIndex(NameColumn::Name), QHeaderView::Stretch);
-  header->setSectionResizeMode(columnIndex(NameColumn::Count), QHeaderView::Fixed);
-  header->resizeSection(columnIndex(NameColumn::Marker), kMarkerWidth);
-  header->resizeSection(columnIndex(NameColumn::Count), kCountWidth);
-
   _emptyDropButton->setBorderColor(Palette().softBorderColor());
   _emptyDropButton->setTextColor(Palette::secondaryLabelColor());
   _emptyDropButton->onClick = [this] { Q_EMIT importRequested(); };
+  _emptyDropButton->onDropPaths = [this](const QStringList& paths) {
+    _editing.importDroppedCSVPaths(paths);
+    return true;
+  };
 }
 
 void ListPane::connectTable() {
   connect(_table->horizontalHeader(), &QHeaderView::sectionClicked, this, [this](int section) {
     if (section == columnIndex(NameColumn::Name)) _list.cycleSortMode();
   });
-  connect(_table, &AmbrelTableView::clicked, this, &ListPane::cellClicked);
+  connect(_table, &NameTable::tableClicked, this, &ListPane::clickInTable);
+  connect(_table, &NameTable::rowCommandChosen, this, &ListPane::startRowCommand);
   connect(_table, &AmbrelTableView::selectionChangedByOperator, this, [this] {
     _list.tableViewSelectionDidChange(_table->selectedDisplayRows(), _table->currentIndex().row());
     _noteField->syncNoteFieldToSelection();
@@ -114,7 +111,7 @@ void ListPane::buildNoteRow() {
     if (_noteField->isEnabled()) _noteField->setFocus();
   });
   connect(_noteField, &NoteField::indicatorStale, this, &ListPane::refreshNoteIndicator);
-  connect(_noteField, &NoteField::noteEdited, _model, &NameTableModel::refreshModelRow);
+  connect(_noteField, &NoteField::noteEdited, _table->names(), &NameTableModel::refreshModelRow);
   refreshNoteIndicator();
 }
 
@@ -141,10 +138,28 @@ void ListPane::showSelection(bool scroll) {
   _noteField->syncNoteFieldToSelection();
 }
 
-void ListPane::cellClicked(const QModelIndex& index) {
-  if (index.column() == columnIndex(NameColumn::Marker))
-    _list.toggleMarker(_list.modelRowForDisplayRow(index.row()));
+void ListPane::clickInTable(qint64 displayRow, int column) {
+  if (column == columnIndex(NameColumn::Marker)) _list.toggleMarker(_list.modelRowForDisplayRow(displayRow));
   Q_EMIT tableClicked();
+}
+
+void ListPane::startRowCommand(RowCommand command, qint64 modelRow) {
+  switch (command) {
+    case RowCommand::InsertAbove:
+      return _editing.ctxInsertAbove(modelRow);
+    case RowCommand::InsertBelow:
+      return _editing.ctxInsertBelow(modelRow);
+    case RowCommand::RenameFolderAndImages:
+      return renameFolderRequested(modelRow);
+    case RowCommand::EditNote:
+      return _editing.ctxEditNote(modelRow);
+    case RowCommand::OpenFolder:
+      return openFolderRequested(modelRow);
+    case RowCommand::ToggleMarker:
+      return _list.toggleMarker(modelRow);
+    case RowCommand::DeleteRow:
+      return _editing.ctxDeleteRow(modelRow);
+  }
 }
 
 void ListPane::refreshNoteIndicator() {
@@ -155,7 +170,8 @@ void ListPane::refreshNoteIndicator() {
 
 void ListPane::resizeEvent(QResizeEvent*) {
   const layout::LeftPane places = layout::leftPane(size());
-  _searchField->setGeometry(places.searchField.united(places.addSearchButton));
+  _searchField->setGeometry(places.searchField);
+  _addSearchButton->setGeometry(places.addSearchButton);
   _clearSearchButton->setGeometry(places.clearSearchButton);
   _filterButton->setGeometry(places.filterButton);
   _exportButton->setGeometry(places.exportButton);

@@ -4,11 +4,11 @@
 #include <QLineEdit>
 
 #include "core/app/Screen.h"
+#include "core/list/ListEditing.h"
 #include "core/list/NameList.h"
 #include "ui/AmbrelButton.h"
 #include "ui/AmbrelDropZone.h"
-#include "ui/AmbrelTableView.h"
-#include "ui/NameTableModel.h"
+#include "ui/NameTable.h"
 #include "ui/NoteField.h"
 
 namespace ambrel::ui {
@@ -17,12 +17,12 @@ namespace ambrel::ui {
 class ListPane : public Surface {
   Q_OBJECT
  public:
-  ListPane(NameList& list, QWidget* parent);
+  ListPane(NameList& list, ListEditing& editing, QWidget* parent);
 
   void updateControls(const ControlStates& states);
   // The title of the name column with the number of names.
-  void updateNameColumnCount() { _model->updateNameColumnCount(); }
-  AmbrelTableView* table() const { return _table; }
+  void updateNameColumnCount() { _table->names()->updateNameColumnCount(); }
+  NameTable* table() const { return _table; }
   QLineEdit* searchField() const { return _searchField; }
   NoteField* noteField() const { return _noteField; }
 
@@ -31,6 +31,8 @@ class ListPane : public Surface {
   void exportRequested();
   // A click in the table, after what it changed.
   void tableClicked();
+  void renameFolderRequested(qint64 modelRow);
+  void openFolderRequested(qint64 modelRow);
 
  protected:
   void resizeEvent(QResizeEvent* event) override;
@@ -44,16 +46,18 @@ class ListPane : public Surface {
   void updateFilterButton();
   void updateEmptyState();
   void showSelection(bool scroll);
-  void cellClicked(const QModelIndex& index);
+  void clickInTable(qint64 displayRow, int column);
+  void startRowCommand(RowCommand command, qint64 modelRow);
   void refreshNoteIndicator();
 
   NameList& _list;
+  ListEditing& _editing;
   QLineEdit* _searchField;
+  AmbrelButton* _addSearchButton;
   AmbrelButton* _clearSearchButton;
   AmbrelButton* _filterButton;
   AmbrelButton* _exportButton;
-  NameTableModel* _model;
-  AmbrelTableView* _table;
+  NameTable* _table;
   AmbrelDropZone* _emptyDropButton;
   SymbolView* _noteIconView;
   NoteField* _noteField;

@@ -2,10 +2,14 @@
 #include "ui/MainWindow.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QKeyEvent>
+#include <QScreen>
 
 #include "core/app/KeyRules.h"
+#include "ui/Accessibility.h"
 #include "ui/Appearance.h"
+#include "ui/PhotoDecoder.h"
 #include "ui/TextEdits.h"
 #include "ui/ThinSplitter.h"
 #include "ui/WindowLayout.h"
@@ -30,11 +34,15 @@ Key keyOf(int key) {
 
 }  // namespace
 
-MainWindow::MainWindow(AmbrelAppDelegate& delegate) : _delegate(delegate) {}
+MainWindow::MainWindow(AmbrelAppDelegate& delegate) : _delegate(delegate) {
+  describeOwnControls();
+}
 
 MainWindow::~MainWindow() {
   // The focus moves once more while the controls are destroyed, when this is no longer a main window.
   disconnect(qApp, nullptr, this, nullptr);
+  // It uses the pane, which is destroyed later.
+  _previewPresenter.reset();
 }
 
 // ---- Around the window
@@ -88,8 +96,10 @@ void MainWindow::buildUI(const QString& displayVersion) {
 
   _topPanel = new TopPanel(_delegate.statusLine(), _delegate.storage(), _delegate.settings(), _content);
   _splitView = new ThinSplitter(_content);
-  _leftPane = new ListPane(_delegate.list(), _splitView);
+  _leftPane = new ListPane(_delegate.list(), _delegate.listEditing(), _splitView);
   _rightPane = new PreviewPane(_splitView);
+  allowLargePhotos();
+  _previewPresenter = std::make_unique<PreviewPresenter>(_delegate.preview(), *_rightPane, decodePhoto);
   _splitView->addWidget(_leftPane);
   _splitView->addWidget(_rightPane);
   _splitView->setChildrenCollapsible(false);
@@ -101,10 +111,25 @@ void MainWindow::buildUI(const QString& displayVersion) {
   connect(_content, &Surface::resized, this, &MainWindow::layoutUI);
   setCentralWidget(_content);
 
-  const int menuHeight = menuBar()->sizeHint().height();
-  resize(layout::kInitialContent + QSize(0, menuHeight));
-  const auto [left, right] = layout::halves(layout::window(layout::kInitialContent).splitView.width());
-  _splitView->setSizes({left, right});
+  restorePlacement();
+  connect(_splitView, &QSplitter::splitterMoved, this, &MainWindow::rememberPlacement);
+}
+
+void MainWindow::restorePlacement() {
+  const QSize menu(0, menuBar()->sizeHint().height());
+  const int half = layout::halves(layout::window(layout::kInitialContent).splitView.width())[0];
+  layout::Placement placement{layout::kInitialContent, half};
+  // The screen may have become smaller since.
+  if (const auto remembered = layout::placementFrom(_delegate.windowPlacement()))
+    placement = layout::fittedPlacement(*remembered, screen()->availableSize() - menu);
+  resize(placement.content + menu);
+  const int width = layout::window(placement.content).splitView.width();
+  _splitView->setSizes({placement.leftPane, width - _splitView->handleWidth() - placement.leftPane});
+}
+
+void MainWindow::rememberPlacement() {
+  if (!isVisible() || isMaximized() || isFullScreen()) return;
+  _delegate.windowPlacementDidChange(layout::placementText({_content->size(), _splitView->sizes().front()}));
 }
 
 void MainWindow::connectIntents() {
@@ -117,8 +142,19 @@ void MainWindow::connectIntents() {
           [this] { _delegate.selectFolder(); });
   connect(_settingsPopover, &SettingsPopover::destinationSelected, this,
           [this](int index) { _delegate.selectDestination(index); });
+  connect(_settingsPopover, &SettingsPopover::chooseBackupFolderRequested, this,
+          [this] { _delegate.backup().chooseBackupFolder(); });
+  connect(_settingsPopover, &SettingsPopover::toggleBackupRequested, this,
+          [this] { _delegate.backup().toggleBackupEnabled(); });
+  connect(&_delegate.backup(), &Backup::changed, this, &MainWindow::refreshBackup);
+  connect(_settingsPopover, &SettingsPopover::resetRequested, this, [this] { _delegate.resetWorkflow(); });
   connect(_leftPane, &ListPane::importRequested, this, [this] { _delegate.listTransfer().loadCSV(); });
   connect(_leftPane, &ListPane::exportRequested, this, [this] { _delegate.listTransfer().exportGrid(); });
+  connect(_leftPane, &ListPane::renameFolderRequested, this,
+          [this](qint64 row) { _delegate.folderRename().ctxRenameFolderAndImages(row); });
+  connect(_leftPane, &ListPane::openFolderRequested, this,
+          [this](qint64 row) { _delegate.ctxOpenFolder(row); });
+  connect(_rightPane, &PreviewPane::revealRequested, this, [this] { _delegate.revealPreviewInFinder(); });
   connect(_leftPane, &ListPane::tableClicked, this, [this] { _delegate.tableClicked(); });
 }
 
@@ -128,6 +164,7 @@ void MainWindow::layoutUI() {
   _splitView->setGeometry(places.splitView);
   _csvLabel->setGeometry(places.pathLine);
   _settingsPopover->follow();
+  rememberPlacement();
 }
 
 void MainWindow::applyAppearance() {
@@ -150,6 +187,14 @@ void MainWindow::updateControls(const ControlStates& states) {
   _leftPane->updateNameColumnCount();
   _settingsPopover->updateControls(states);
   _menus->setAutoConnect(states.autoConnect);
+  refreshBackup();
+}
+
+void MainWindow::refreshBackup() {
+  const Backup& backup = _delegate.backup();
+  _menus->setBackup(backup.menu());
+  _topPanel->showBackup(backup.card());
+  _settingsPopover->showBackup(backup.backupDir(), backup.button(), backup.popUp());
 }
 
 void MainWindow::updatePathLabels(const QString& line) {
@@ -164,6 +209,8 @@ void MainWindow::start(Command command) {
   switch (command) {
     case Command::None:
       return;
+    case Command::CheckForUpdates:
+      return _delegate.checkForUpdatesInteractive();
     case Command::Quit:
       return terminate();
     case Command::Undo:
@@ -177,6 +224,8 @@ void MainWindow::start(Command command) {
       return _delegate.listTransfer().loadCSV();
     case Command::ExportList:
       return _delegate.listTransfer().exportGrid();
+    case Command::RenamePhotoFolder:
+      return _delegate.folderRename().renameFolderInteractive();
     case Command::ConnectNow:
       return _delegate.connectCameraManual();
     case Command::ForceReconnect:
@@ -185,20 +234,60 @@ void MainWindow::start(Command command) {
       return _delegate.disconnectCamera();
     case Command::ToggleAutoConnect:
       return _delegate.toggleAutoConnect();
+    case Command::ChooseBackupFolder:
+    case Command::ToggleBackup:
+    case Command::RetryBackup:
+    case Command::WakeAndReconnectDrive:
+    case Command::BackUpMissingFiles:
+    case Command::ClearBackupQueue:
+      return backUp(command);
+  }
+}
+
+void MainWindow::backUp(Command command) {
+  Backup& backup = _delegate.backup();
+  switch (command) {
+    case Command::ChooseBackupFolder:
+      return backup.chooseBackupFolder();
+    case Command::ToggleBackup:
+      backup.toggleBackupEnabled();
+      // The click has moved the check mark, whatever came of it.
+      return refreshBackup();
+    case Command::RetryBackup:
+      return backup.retryBackupNow();
+    case Command::WakeAndReconnectDrive:
+      return backup.wakeAndReconnectBackup();
+    case Command::BackUpMissingFiles:
+      return backup.backupMissingNow();
+    case Command::ClearBackupQueue:
+      return backup.clearBackupQueue();
+    default:
+      return;
   }
 }
 
 void MainWindow::edit(Command command) {
   if (auto* field = qobject_cast<QLineEdit*>(QApplication::focusWidget())) {
     editText(*field, command);
-  } else if (command == Command::SelectAll && isBuilt()) {
+  } else if (isBuilt()) {
+    editList(command);
+  }
+}
+
+void MainWindow::editList(Command command) {
+  if (command == Command::Paste) {
+    _delegate.listEditing().paste(QApplication::clipboard()->text());
+  } else if (command == Command::Copy) {
+    const std::optional<QString> row = _delegate.listEditing().copy();
+    if (row) QApplication::clipboard()->setText(*row);
+  } else if (command == Command::SelectAll) {
     _leftPane->table()->selectAll();
   }
 }
 
 void MainWindow::refreshEditMenu() {
   const bool editingText = qobject_cast<QLineEdit*>(QApplication::focusWidget()) != nullptr;
-  for (const Command command : {Command::Undo, Command::Redo, Command::Cut, Command::Copy, Command::Paste}) {
+  for (const Command command : {Command::Undo, Command::Redo, Command::Cut}) {
     _menus->action(command)->setEnabled(editingText);
   }
 }
@@ -213,7 +302,11 @@ bool MainWindow::handleKeyDown(int key) {
       _delegate.list().moveGridSelectionBy(1);
       return true;
     case KeyAction::PreviewPrevious:
+      _delegate.preview().previewPreviousImage();
+      return true;
     case KeyAction::PreviewNext:
+      _delegate.preview().previewNextImage();
+      return true;
     case KeyAction::PassThrough:
       return false;
   }

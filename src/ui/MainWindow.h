@@ -10,6 +10,7 @@
 #include "ui/ListPane.h"
 #include "ui/Menus.h"
 #include "ui/PreviewPane.h"
+#include "ui/PreviewPresenter.h"
 #include "ui/SettingsPopover.h"
 #include "ui/Splash.h"
 #include "ui/TopPanel.h"
@@ -43,6 +44,7 @@ class MainWindow : public QMainWindow, public Screen {
 
   TopPanel* topPanel() const { return _topPanel; }
   ListPane* leftPane() const { return _leftPane; }
+  PreviewPane* rightPane() const { return _rightPane; }
   SettingsPopover* settingsPopover() const { return _settingsPopover; }
   QSplitter* splitView() const { return _splitView; }
   const Menus& menus() const { return *_menus; }
@@ -53,9 +55,14 @@ class MainWindow : public QMainWindow, public Screen {
 
  private:
   void connectIntents();
+  void restorePlacement();
+  void rememberPlacement();
   void start(Command command);
+  void backUp(Command command);
   void edit(Command command);
+  void editList(Command command);
   void refreshEditMenu();
+  void refreshBackup();
   bool handleKeyDown(int key);
 
   AmbrelAppDelegate& _delegate;
@@ -68,6 +75,7 @@ class MainWindow : public QMainWindow, public Screen {
   QSplitter* _splitView = nullptr;
   ListPane* _leftPane = nullptr;
   PreviewPane* _rightPane = nullptr;
+  std::unique_ptr<PreviewPresenter> _previewPresenter;
   TextLabel* _csvLabel = nullptr;
   SettingsPopover* _settingsPopover = nullptr;
 };

@@ -14,6 +14,8 @@ std::vector<MenuColumn> menuTree(const QString& displayVersion) {
       {nameLine,
        {{nameLine},
         separator,
+        {QStringLiteral("Check for Updates…"), Command::CheckForUpdates},
+        separator,
         {QStringLiteral("Quit %1").arg(nameLine), Command::Quit, Qt::CTRL | Qt::Key_Q}}},
       {QStringLiteral("Edit"),
        {{QStringLiteral("Undo"), Command::Undo, Qt::CTRL | Qt::Key_Z},
@@ -26,13 +28,23 @@ std::vector<MenuColumn> menuTree(const QString& displayVersion) {
         {QStringLiteral("Select All"), Command::SelectAll, Qt::CTRL | Qt::Key_A}}},
       {QStringLiteral("List"),
        {{QStringLiteral("Import CSV…"), Command::ImportCSV, Qt::CTRL | Qt::Key_I},
-        {QStringLiteral("Export List…"), Command::ExportList, Qt::CTRL | Qt::Key_E}}},
+        {QStringLiteral("Export List…"), Command::ExportList, Qt::CTRL | Qt::Key_E},
+        separator,
+        {QStringLiteral("Rename a Photo Folder…"), Command::RenamePhotoFolder}}},
       {QStringLiteral("Camera"),
        {{QStringLiteral("Connect Now"), Command::ConnectNow},
         {QStringLiteral("Force Reconnect (Restart Session)"), Command::ForceReconnect},
         {QStringLiteral("Disconnect"), Command::Disconnect},
         separator,
         {QStringLiteral("Auto-Connect Camera"), Command::ToggleAutoConnect, {}, true}}},
+      {QStringLiteral("Backup"),
+       {{QStringLiteral("Choose Backup Folder…"), Command::ChooseBackupFolder},
+        {QStringLiteral("Backup Copy: Off"), Command::ToggleBackup, {}, false},
+        separator,
+        {QStringLiteral("Retry Backup Now"), Command::RetryBackup},
+        {QStringLiteral("Wake & Reconnect Drive"), Command::WakeAndReconnectDrive},
+        {QStringLiteral("Back Up Missing Files Now…"), Command::BackUpMissingFiles},
+        {QStringLiteral("Clear Backup Queue…"), Command::ClearBackupQueue}}},
   };
 }
 
@@ -44,10 +56,11 @@ Menus::Menus(QMenuBar& bar, const QString& displayVersion, const std::function<v
         menu->addSeparator();
         continue;
       }
-      QAction* action = menu->addAction(item.title);
+      // A single ampersand would mark the letter after it as the item's key.
+      QAction* action = menu->addAction(QString(item.title).replace(QLatin1Char('&'), QLatin1String("&&")));
       action->setShortcut(item.key);
-      action->setCheckable(item.checkable);
-      action->setChecked(item.checkable);
+      action->setCheckable(item.checked.has_value());
+      action->setChecked(item.checked.value_or(false));
       action->setEnabled(item.command != Command::None);
       QObject::connect(action, &QAction::triggered, &bar,
                        [start, command = item.command] { start(command); });
@@ -58,6 +71,13 @@ Menus::Menus(QMenuBar& bar, const QString& displayVersion, const std::function<v
 
 void Menus::setAutoConnect(bool on) {
   action(Command::ToggleAutoConnect)->setChecked(on);
+}
+
+void Menus::setBackup(const BackupMenuLook& look) {
+  action(Command::ToggleBackup)->setText(look.enableTitle);
+  action(Command::ToggleBackup)->setChecked(look.enableChecked);
+  action(Command::RetryBackup)->setText(look.retryTitle);
+  action(Command::RetryBackup)->setEnabled(look.retryEnabled);
 }
 
 }  // namespace ambrel::ui

@@ -5,13 +5,17 @@
 #include <QMenuBar>
 #include <functional>
 #include <map>
+#include <optional>
 #include <vector>
+
+#include "core/backup/BackupView.h"
 
 namespace ambrel::ui {
 
 // Everything that the menus can start.
 enum class Command {
   None,
+  CheckForUpdates,
   Quit,
   Undo,
   Redo,
@@ -21,17 +25,24 @@ enum class Command {
   SelectAll,
   ImportCSV,
   ExportList,
+  RenamePhotoFolder,
   ConnectNow,
   ForceReconnect,
   Disconnect,
   ToggleAutoConnect,
+  ChooseBackupFolder,
+  ToggleBackup,
+  RetryBackup,
+  WakeAndReconnectDrive,
+  BackUpMissingFiles,
+  ClearBackupQueue,
 };
 
 struct MenuItem {
   QString title;  // empty: a separator
   Command command = Command::None;
   QKeySequence key = {};
-  bool checkable = false;
+  std::optional<bool> checked = std::nullopt;  // none: without a check mark
 };
 
 struct MenuColumn {
@@ -51,6 +62,7 @@ class Menus {
   QAction* action(Command command) const { return _actions.at(command); }
   // Check mark and nothing else: setting it starts no command.
   void setAutoConnect(bool on);
+  void setBackup(const BackupMenuLook& look);
 
  private:
   std::map<Command, QAction*> _actions;

@@ -52,7 +52,8 @@ bool NameTableModel::setData(const QModelIndex& index, const QVariant& value, in
 Qt::ItemFlags NameTableModel::flags(const QModelIndex& index) const {
   if (!index.isValid()) return Qt::NoItemFlags;
   const bool isName = index.column() == static_cast<int>(NameColumn::Name);
-  const Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
+  const Qt::ItemFlags flags =
+      Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled | Qt::ItemNeverHasChildren;
   return isName ? flags | Qt::ItemIsEditable : flags;
 }
 
@@ -79,7 +80,7 @@ NameCellLook NameTableModel::look(const QModelIndex& index, bool selected) const
 }
 
 bool NameTableModel::isDuplicate(qint64 modelRow) const {
-  if (_duplicateNames.empty()) return false;
+  if (_duplicateNames.isEmpty()) return false;
   return _duplicateNames.contains(_list.grid().text(modelRow, Cell::Name).toLower());
 }
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <QAbstractTableModel>
-#include <set>
+#include <QSet>
 #include <vector>
 
 #include "core/list/NameList.h"
@@ -39,7 +39,7 @@ class NameTableModel : public QAbstractTableModel {
 
   NameList& _list;
   std::vector<qint64> _shownRows;
-  std::set<QString> _duplicateNames;
+  QSet<QString> _duplicateNames;
   quint64 _duplicatesOfRevision = 0;
   QString _nameColumnTitle;
 };

@@ -13,7 +13,6 @@
 namespace ambrel::ui {
 namespace {
 
-constexpr layout::SettingsParts kParts{.backup = false, .reset = false};
 constexpr int kArrowHeight = 9;
 constexpr int kArrowHalfWidth = 10;
 constexpr int kMargin = 8;
@@ -21,7 +20,6 @@ constexpr double kCornerRadius = 12;
 constexpr Shadow kShadow{0.22, 11, {0, 3}};
 
 constexpr std::array kSectionTitles{"SETTINGS", "TARGET FOLDER", "BACKUP FOLDER", "DESTINATION", "TAGS"};
-constexpr std::size_t kBackupSection = 2;
 
 struct Destination {
   const char* title;
@@ -41,22 +39,26 @@ SettingsPopover::SettingsPopover(const CaptureSettings& settings, Tags& tags, QW
       _tags(tags),
       _folderButton(new AmbrelButton(this)),
       _settingsFolderPathLabel(makePathLabel(QStringLiteral("No folder chosen"))),
-      _suffixManageButton(new AmbrelButton(this)) {
+      _backupButton(new AmbrelButton(this)),
+      _settingsBackupPathLabel(makePathLabel(QStringLiteral("No backup folder"))),
+      _suffixManageButton(new AmbrelButton(this)),
+      _resetButton(new AmbrelButton(this)) {
   setFill(Qt::transparent);
   setOutline(kCornerRadius, {}, kShadow);
   setFocusPolicy(Qt::ClickFocus);
   // A press on a label of the bubble is not a press outside.
   setAttribute(Qt::WA_NoMousePropagation);
   for (std::size_t i = 0; i < kSectionTitles.size(); ++i) {
-    if (i == kBackupSection && !kParts.backup) continue;
     const bool heading = i == 0;
     _settingsSectionLabels[i] =
         new TextLabel(QLatin1String(kSectionTitles[i]), systemFont(heading ? 13 : 10, QFont::Bold),
                       heading ? Palette().primaryTextColor() : Palette::tertiaryLabelColor(), this);
   }
   buildFolderSection();
+  buildBackupSection();
   buildDestinationSection();
   buildTagSection();
+  connect(_resetButton, &AmbrelButton::clicked, this, &SettingsPopover::resetRequested);
   hide();
 }
 
@@ -65,6 +67,35 @@ void SettingsPopover::buildFolderSection() {
   connect(_folderButton, &AmbrelButton::clicked, this, &SettingsPopover::selectFolderRequested);
   connect(&_settings, &CaptureSettings::targetDirChanged, this, &SettingsPopover::refreshSettingsPaths);
   refreshSettingsPaths();
+}
+
+void SettingsPopover::buildBackupSection() {
+  _backupButton->setToolTip(
+      QStringLiteral("Optional: also copy every saved photo to a second folder or a mounted network drive"));
+  connect(_backupButton, &AmbrelButton::clicked, this, &SettingsPopover::popUpBackupMenu);
+  _backupButton->styleButton(QStringLiteral("Backup: Off"), Palette().grayColor(), true);
+}
+
+void SettingsPopover::showBackup(const QString& folder, const BackupButtonLook& button,
+                                 const BackupPopUp& popUp) {
+  _backupFolder = folder;
+  _backupPopUp = popUp;
+  _backupButton->styleButton(button.title, backupColor(button.color, Palette()), true);
+  _backupButton->setToolTip(button.toolTip);
+  refreshSettingsPaths();
+}
+
+void SettingsPopover::popUpBackupMenu() {
+  _backupMenu = new QMenu(QStringLiteral("Backup"), this);
+  _backupMenu->setAttribute(Qt::WA_DeleteOnClose);
+  // A folder's name may hold what marks a key elsewhere.
+  const auto verbatim = [](QString title) { return title.replace(QLatin1Char('&'), QLatin1String("&&")); };
+  connect(_backupMenu->addAction(verbatim(_backupPopUp.chooseTitle)), &QAction::triggered, this,
+          &SettingsPopover::chooseBackupFolderRequested);
+  if (!_backupPopUp.toggleTitle.isEmpty())
+    connect(_backupMenu->addAction(verbatim(_backupPopUp.toggleTitle)), &QAction::triggered, this,
+            &SettingsPopover::toggleBackupRequested);
+  _backupMenu->popup(_backupButton->mapToGlobal(QPoint(0, _backupButton->height() + 4)));
 }
 
 void SettingsPopover::buildDestinationSection() {
@@ -110,7 +141,7 @@ void SettingsPopover::toggleSettingsPopover(QWidget* anchor) {
 
 void SettingsPopover::follow() {
   if (!_anchor) return;
-  const QSize content = layout::settingsSize(kParts);
+  const QSize content = layout::kSettingsSize;
   resize(content + QSize(0, kArrowHeight));
   const QPoint below = _anchor->mapTo(parentWidget(), QPoint(_anchor->width() / 2, _anchor->height()));
   const int rightmost = parentWidget()->width() - kMargin - width();
@@ -120,7 +151,7 @@ void SettingsPopover::follow() {
 
 void SettingsPopover::layoutSettingsContent() {
   const layout::Settings places =
-      layout::settings(layout::settingsSize(kParts), static_cast<int>(_suffixButtons.size()), kParts);
+      layout::settings(layout::kSettingsSize, static_cast<int>(_suffixButtons.size()));
   const auto place = [](QWidget* widget, const QRect& rect) {
     if (widget) widget->setGeometry(rect.translated(0, kArrowHeight));
   };
@@ -128,11 +159,14 @@ void SettingsPopover::layoutSettingsContent() {
     place(_settingsSectionLabels[i], places.sectionLabels[i]);
   place(_folderButton, places.folderButton);
   place(_settingsFolderPathLabel, places.folderPathLabel);
+  place(_backupButton, places.backupButton);
+  place(_settingsBackupPathLabel, places.backupPathLabel);
   for (std::size_t i = 0; i < _destButtons.size(); ++i)
     place(_destButtons[i], places.destButtons[i]);
   for (std::size_t i = 0; i < _suffixButtons.size(); ++i)
     place(_suffixButtons[i], places.suffixButtons[i]);
   place(_suffixManageButton, places.suffixManageButton);
+  place(_resetButton, places.resetButton);
 }
 
 void SettingsPopover::updateControls(const ControlStates& states) {
@@ -140,15 +174,18 @@ void SettingsPopover::updateControls(const ControlStates& states) {
   const Palette palette;
   _folderButton->styleButton(QStringLiteral("Change…"), palette.blueColor(), states.setupUnlocked);
   _suffixManageButton->styleButton(QStringLiteral("Edit…"), palette.grayColor(), states.setupUnlocked);
+  _resetButton->styleButton(QStringLiteral("↻ Reset workflow"), palette.grayColor(), states.setupUnlocked);
   restyleDestinationButtons();
   restyleSuffixButtons();
 }
 
 void SettingsPopover::refreshSettingsPaths() {
-  const QString path = _settings.targetDir();
-  _settingsFolderPathLabel->setText(path.isEmpty() ? QStringLiteral("No folder chosen")
-                                                   : abbreviatedPath(path, QDir::homePath()));
-  _settingsFolderPathLabel->setToolTip(path);
+  const auto show = [](TextLabel* label, const QString& path, const QString& none) {
+    label->setText(path.isEmpty() ? none : abbreviatedPath(path, QDir::homePath()));
+    label->setToolTip(path);
+  };
+  show(_settingsFolderPathLabel, _settings.targetDir(), QStringLiteral("No folder chosen"));
+  show(_settingsBackupPathLabel, _backupFolder, QStringLiteral("No backup folder"));
 }
 
 void SettingsPopover::rebuildSuffixButtons() {

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <QMenu>
+#include <QPointer>
 #include <array>
 #include <vector>
 
 #include "core/app/Screen.h"
+#include "core/backup/BackupView.h"
 #include "core/capture/CaptureSettings.h"
 #include "core/capture/Tags.h"
 #include "ui/AmbrelButton.h"
@@ -25,10 +28,16 @@ class SettingsPopover : public Surface {
   // Places the bubble below its anchor again after the window changed.
   void follow();
   void updateControls(const ControlStates& states);
+  void showBackup(const QString& folder, const BackupButtonLook& button, const BackupPopUp& popUp);
+  // The open menu of the backup button, or none.
+  QMenu* backupMenu() const { return _backupMenu; }
 
  Q_SIGNALS:
   void selectFolderRequested();
   void destinationSelected(int index);
+  void chooseBackupFolderRequested();
+  void toggleBackupRequested();
+  void resetRequested();
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -37,10 +46,12 @@ class SettingsPopover : public Surface {
 
  private:
   void buildFolderSection();
+  void buildBackupSection();
   void buildDestinationSection();
   void buildTagSection();
   TextLabel* makePathLabel(const QString& text);
   void refreshSettingsPaths();
+  void popUpBackupMenu();
   void rebuildSuffixButtons();
   void restyleSuffixButtons();
   void restyleDestinationButtons();
@@ -54,9 +65,15 @@ class SettingsPopover : public Surface {
   std::array<TextLabel*, 5> _settingsSectionLabels{};
   AmbrelButton* _folderButton;
   TextLabel* _settingsFolderPathLabel;
+  AmbrelButton* _backupButton;
+  TextLabel* _settingsBackupPathLabel;
+  QString _backupFolder;
+  BackupPopUp _backupPopUp;
+  QPointer<QMenu> _backupMenu;
   std::array<AmbrelButton*, 3> _destButtons{};
   std::vector<AmbrelButton*> _suffixButtons;
   AmbrelButton* _suffixManageButton;
+  AmbrelButton* _resetButton;
 };
 
 // With a tilde in the home folder's place.

@@ -30,6 +30,7 @@ StatusCard::StatusCard(const QString& title, QWidget* valueControl, QWidget* par
 
 void StatusCard::setValue(const QString& text, const QColor& color) {
   _value->setText(text);
+  _value->setAccessibleName(_title->text() + QStringLiteral(": ") + text);
   _value->setTextColor(color);
 }
 

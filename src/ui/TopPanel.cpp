@@ -38,7 +38,7 @@ TopPanel::TopPanel(const StatusLine& statusLine, const StorageMonitor& storage,
   _cameraCard->setValue(withDot(QStringLiteral("—")), palette.orangeColor());
   _cameraCard->setValueToolTip(QStringLiteral("Live camera connection status"));
   _storageCard->setValue(QStringLiteral("Checking..."), palette.greenColor());
-  _backupCard->setValue(QStringLiteral("Off"), Palette::secondaryLabelColor());
+  _backupCard->setValue(QStringLiteral("—"), palette.greenColor());
 
   styleCounterField(_counterField);
   _counterField->setToolTip(QStringLiteral("Next photo number"));
@@ -68,6 +68,10 @@ void TopPanel::updateControls(const ControlStates& states) {
   _counterField->setEnabled(states.setupUnlocked);
   _cameraCard->setValue(withDot(states.pill.text), pillColor(states.pill.color, Palette()));
   _cameraCard->setValueToolTip(states.pill.toolTip);
+}
+
+void TopPanel::showBackup(const BackupCardLook& look) {
+  _backupCard->setValue(look.text, backupColor(look.color, Palette()));
 }
 
 void TopPanel::showStatus() {

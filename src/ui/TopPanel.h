@@ -4,6 +4,7 @@
 #include <QLineEdit>
 
 #include "core/app/Screen.h"
+#include "core/backup/BackupView.h"
 #include "core/base/StatusLine.h"
 #include "core/capture/CaptureSettings.h"
 #include "core/capture/StorageMonitor.h"
@@ -22,6 +23,7 @@ class TopPanel : public Surface {
            QWidget* parent);
 
   void updateControls(const ControlStates& states);
+  void showBackup(const BackupCardLook& look);
 
   AmbrelButton* gearButton() const { return _gearButton; }
   QLineEdit* counterField() const { return _counterField; }

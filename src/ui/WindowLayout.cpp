@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ui/WindowLayout.h"
 
+#include <QRegularExpression>
 #include <algorithm>
 
 namespace ambrel::ui::layout {
@@ -120,7 +121,9 @@ RightPane rightPane(QSize pane) {
   result.nextButton = fromBottom(h, w - 10 - 34, 4, 34, 28);
   result.preview = fromBottom(h, 10, 40, std::max(100, w - 20), std::max(100, h - 28 - 22));
   const QRect& preview = result.preview;
-  result.previewDownloadedPill = {preview.x() + preview.width() - 12 - 104, preview.y() + 12, 104, 22};
+  result.previewDownloadedPill =
+      QRect(QPoint(preview.x() + preview.width() - 12 - kDownloadedPill.width(), preview.y() + 12),
+            kDownloadedPill);
   return result;
 }
 
@@ -133,11 +136,26 @@ int constrainedDivider(int proposed, int splitViewWidth) {
   return std::min(std::max(proposed, kLeftPaneMinimum), splitViewWidth - kRightPaneMinimum);
 }
 
-QSize settingsSize(SettingsParts parts) {
-  return {360, 340 - (parts.backup ? 0 : 60) - (parts.reset ? 0 : 48)};
+QString placementText(const Placement& placement) {
+  return QStringLiteral("%1x%2/%3")
+      .arg(placement.content.width())
+      .arg(placement.content.height())
+      .arg(placement.leftPane);
 }
 
-Settings settings(QSize content, int tagCount, SettingsParts parts) {
+std::optional<Placement> placementFrom(const QString& text) {
+  const QRegularExpression form(QStringLiteral("^(\\d{1,5})x(\\d{1,5})/(\\d{1,5})$"));
+  const QRegularExpressionMatch match = form.match(text);
+  if (!match.hasMatch()) return std::nullopt;
+  return Placement{{match.captured(1).toInt(), match.captured(2).toInt()}, match.captured(3).toInt()};
+}
+
+Placement fittedPlacement(const Placement& placement, QSize screen) {
+  const QSize content = placement.content.boundedTo(screen).expandedTo(kMinimumContent);
+  return {content, constrainedDivider(placement.leftPane, window(content).splitView.width())};
+}
+
+Settings settings(QSize content, int tagCount) {
   const int W = content.width();
   const int H = content.height();
   const int w = W - 2 * kMargin;
@@ -150,12 +168,10 @@ Settings settings(QSize content, int tagCount, SettingsParts parts) {
   y -= 32;
   result.folderButton = fromBottom(H, W - 112, y, 96, 28);
   result.folderPathLabel = fromBottom(H, kMargin, y + 4, w - 106, 18);
-  if (parts.backup) {
-    result.sectionLabels[2] = label(y -= 28, 14);
-    y -= 32;
-    result.backupButton = fromBottom(H, W - 132, y, 116, 28);
-    result.backupPathLabel = fromBottom(H, kMargin, y + 4, w - 126, 18);
-  }
+  result.sectionLabels[2] = label(y -= 28, 14);
+  y -= 32;
+  result.backupButton = fromBottom(H, W - 132, y, 116, 28);
+  result.backupPathLabel = fromBottom(H, kMargin, y + 4, w - 126, 18);
   result.sectionLabels[3] = label(y -= 28, 14);
   y -= 32;
   const int third = (w - 16) / 3;
@@ -166,7 +182,7 @@ Settings settings(QSize content, int tagCount, SettingsParts parts) {
   for (int i = 0; i < tagCount; ++i)
     result.suffixButtons.push_back(fromBottom(H, kMargin + i * kTagStep, y, kTagWidth, 28));
   result.suffixManageButton = fromBottom(H, W - 76, y, 60, 28);
-  if (parts.reset) result.resetButton = fromBottom(H, kMargin, std::max(16, y - 64), w, 30);
+  result.resetButton = fromBottom(H, kMargin, std::max(16, y - 64), w, 30);
   return result;
 }
 

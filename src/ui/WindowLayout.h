@@ -3,7 +3,9 @@
 
 #include <QRect>
 #include <QSize>
+#include <QString>
 #include <array>
+#include <optional>
 #include <vector>
 
 // Where everything stands in the main window, as functions of sizes. The numbers are laid out from the
@@ -16,6 +18,7 @@ inline constexpr QSize kMinimumContent{760, 650};
 inline constexpr int kLeftPaneMinimum = 330;
 inline constexpr int kRightPaneMinimum = 360;
 inline constexpr int kTableRowHeight = 34;
+inline constexpr QSize kDownloadedPill{104, 22};
 
 QRect fromBottom(int containerHeight, int x, int y, int width, int height);
 
@@ -59,11 +62,18 @@ std::array<int, 2> halves(int splitViewWidth);
 // The nearest place that the divider may be dragged to.
 int constrainedDivider(int proposed, int splitViewWidth);
 
-// Which optional parts of the settings are there.
-struct SettingsParts {
-  bool backup = true;
-  bool reset = true;
+// What the window looks like again after a restart.
+struct Placement {
+  QSize content;
+  int leftPane = 0;  // width in points
+  bool operator==(const Placement&) const = default;
 };
+// "1260x840/613"; unreadable text is none.
+QString placementText(const Placement& placement);
+std::optional<Placement> placementFrom(const QString& text);
+// Brought within the smallest window and a screen of that size, with the divider where it may be.
+Placement fittedPlacement(const Placement& placement, QSize screen);
+
 struct Settings {
   std::array<QRect, 5> sectionLabels;  // settings, target folder, backup folder, destination, tags
   QRect folderButton, folderPathLabel;
@@ -73,8 +83,7 @@ struct Settings {
   QRect suffixManageButton;
   QRect resetButton;
 };
-// 360 x 340 with all parts; what is left out takes its height with it.
-QSize settingsSize(SettingsParts parts = {});
-Settings settings(QSize content, int tagCount, SettingsParts parts = {});
+inline constexpr QSize kSettingsSize{360, 340};
+Settings settings(QSize content, int tagCount);
 
 }  // namespace ambrel::ui::layout

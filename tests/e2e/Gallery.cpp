@@ -2,9 +2,12 @@
 // Paints the window in its states, without a screen, at scale 1 and 2.
 //   ambrel_gallery FOLDER
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QDir>
+#include <QDropEvent>
 #include <QFileDialog>
 #include <QImage>
+#include <QPainter>
 #include <QTemporaryDir>
 #include <cstdio>
 
@@ -108,8 +111,8 @@ class Stage {
   QWidget* dialog() { return _dialogs.openDialog(); }
   Dialogs& dialogs() { return _dialogs; }
 
-  // The widget as it looks now, beside the pictures before.
-  void shoot(const QString& name, QWidget* widget = nullptr) {
+  // The widget as it looks now, beside the pictures before; `over` lies on it where it lies on the screen.
+  void shoot(const QString& name, QWidget* widget = nullptr, QWidget* over = nullptr) {
     QWidget& subject = widget ? *widget : window;
     QCoreApplication::processEvents();
     for (const int scale : {1, 2}) {
@@ -117,6 +120,7 @@ class Stage {
       picture.setDevicePixelRatio(scale);
       picture.fill(Qt::transparent);
       subject.render(&picture, {}, {}, QWidget::DrawWindowBackground | QWidget::DrawChildren);
+      if (over) over->render(&picture, over->mapToGlobal(QPoint()) - subject.mapToGlobal(QPoint()));
       const QString file = QStringLiteral("%1/%2@%3x.png").arg(_folder, name).arg(scale);
       if (!picture.save(file)) qFatal("cannot write %s", qPrintable(file));
     }
@@ -184,6 +188,74 @@ void takeListPictures(std::vector<Picture>& pictures) {
                       }});
 }
 
+// What a camera might see: a person before a wall.
+QImage portrait(QSize size) {
+  QImage image(size, QImage::Format_RGB32);
+  QPainter painter(&image);
+  QLinearGradient wall(0, 0, 0, size.height());
+  wall.setColorAt(0, QColor(214, 222, 228));
+  wall.setColorAt(1, QColor(150, 164, 176));
+  painter.fillRect(image.rect(), wall);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Qt::NoPen);
+  const double unit = size.height() / 10.0;
+  const QPointF middle(size.width() / 2.0, size.height() / 2.0);
+  painter.setBrush(QColor(46, 84, 120));
+  painter.drawEllipse(middle + QPointF(0, 5.2 * unit), 3.6 * unit, 3.4 * unit);
+  painter.setBrush(QColor(222, 184, 156));
+  painter.drawEllipse(middle - QPointF(0, 0.6 * unit), 1.7 * unit, 2.2 * unit);
+  painter.setBrush(QColor(70, 48, 36));
+  painter.drawChord(QRectF(middle.x() - 1.8 * unit, middle.y() - 3.1 * unit, 3.6 * unit, 3.4 * unit), 0,
+                    180 * 16);
+  return image;
+}
+
+void takeRowPictures(std::vector<Picture>& pictures) {
+  pictures.push_back({"context_menu", [](Stage& stage, const QString& name) {
+                        stage.fill(people());
+                        stage.select({1});
+                        NameTable* table = stage.window.leftPane()->table();
+                        const QPoint place = table->visualRect(table->model()->index(4, 1)).center();
+                        QContextMenuEvent event(QContextMenuEvent::Mouse, place,
+                                                table->viewport()->mapToGlobal(place));
+                        QApplication::sendEvent(table->viewport(), &event);
+                        stage.shoot(name, nullptr, table->rowMenu());
+                        table->rowMenu()->hide();
+                      }});
+  pictures.push_back({"editing_a_name", [](Stage& stage, const QString& name) {
+                        stage.fill(people());
+                        stage.select({3});
+                        NameTable* table = stage.window.leftPane()->table();
+                        table->edit(table->model()->index(3, 1));
+                        stage.shoot(name);
+                      }});
+  pictures.push_back({"dragging_a_row", [](Stage& stage, const QString& name) {
+                        stage.fill(people());
+                        stage.select({2});
+                        NameTable* table = stage.window.leftPane()->table();
+                        const std::unique_ptr<QMimeData> row(rowPayload(2));
+                        const QPoint between(100, table->rowViewportPosition(6) + 1);
+                        QDragEnterEvent event(between, Qt::MoveAction, row.get(), Qt::LeftButton, {});
+                        QApplication::sendEvent(table->viewport(), &event);
+                        stage.shoot(name);
+                        const QPoint onto = table->visualRect(table->model()->index(6, 1)).center();
+                        QDragMoveEvent move(onto, Qt::CopyAction, row.get(), Qt::LeftButton, {});
+                        QApplication::sendEvent(table->viewport(), &move);
+                        stage.shoot(name + QStringLiteral("_onto_another"));
+                      }});
+  pictures.push_back({"preview", [](Stage& stage, const QString& name) {
+                        stage.fill(people());
+                        stage.chooseFolder();
+                        stage.connectCamera();
+                        stage.select({3});
+                        PreviewPane* pane = stage.window.rightPane();
+                        pane->showPhoto(portrait(QSize(1500, 1000)),
+                                        QStringLiteral("José Álvarez_0031.JPG  (30/31)"));
+                        pane->updateControls(true, true);
+                        stage.shoot(name);
+                      }});
+}
+
 void takeCameraPictures(std::vector<Picture>& pictures) {
   pictures.push_back({"connecting", [](Stage& stage, const QString& name) {
                         stage.fill(people());
@@ -217,6 +289,41 @@ void takeCameraPictures(std::vector<Picture>& pictures) {
                       }});
 }
 
+void takeBackupPictures(std::vector<Picture>& pictures) {
+  struct Named {
+    const char* name;
+    BackupState state;
+  };
+  const QString folder = QStringLiteral("/media/kim/Backup drive/Summer school");
+  const Named states[] = {
+      {"backup_off", {.dir = folder}},
+      {"backup_up_to_date", {.enabled = true, .dir = folder}},
+      {"backup_waiting", {.enabled = true, .dir = folder, .queued = 12}},
+      {"backup_copying",
+       {.enabled = true, .dir = folder, .queued = 3, .busy = true, .batchDone = 9, .batchTotal = 12}},
+      {"backup_slow",
+       {.enabled = true,
+        .dir = folder,
+        .queued = 3,
+        .busy = true,
+        .slow = true,
+        .batchDone = 1,
+        .batchTotal = 4}},
+      {"backup_offline", {.enabled = true, .dir = folder, .queued = 137, .offline = true, .batchTotal = 137}},
+  };
+  for (const auto& [name, state] : states) {
+    pictures.push_back({name, [state = state](Stage& stage, const QString& file) {
+                          stage.fill(people());
+                          stage.chooseFolder();
+                          stage.window.topPanel()->showBackup(backupCardLook(state));
+                          SettingsPopover* settings = stage.window.settingsPopover();
+                          settings->showBackup(state.dir, backupButtonLook(state), backupPopUp(state));
+                          settings->toggleSettingsPopover(stage.window.topPanel()->gearButton());
+                          stage.shoot(file);
+                        }});
+  }
+}
+
 void takeDialogPictures(std::vector<Picture>& pictures) {
   pictures.push_back({"settings", [](Stage& stage, const QString& name) {
                         stage.fill(people());
@@ -234,6 +341,27 @@ void takeDialogPictures(std::vector<Picture>& pictures) {
                                             "them."),
                              {QStringLiteral("Replace"), QStringLiteral("Cancel")}},
                             [](const Answer&) {});
+                        stage.shoot(name, stage.dialog());
+                      }});
+  pictures.push_back({"dialog_note", [](Stage& stage, const QString& name) {
+                        stage.fill(people());
+                        stage.delegate.listEditing().ctxEditNote(3);
+                        stage.shoot(name, stage.dialog());
+                      }});
+  pictures.push_back({"dialog_dropped_list", [](Stage& stage, const QString& name) {
+                        stage.fill(people());
+                        stage.delegate.listEditing().importDroppedCSVPaths({QStringLiteral("/tmp/more.csv")});
+                        stage.shoot(name, stage.dialog());
+                      }});
+  pictures.push_back({"dialog_move", [](Stage& stage, const QString& name) {
+                        stage.fill(people());
+                        stage.chooseFolder();
+                        stage.delegate.folderRename().ctxRenameFolderAndImages(0);
+                        stage.shoot(name, stage.dialog());
+                      }});
+  pictures.push_back({"dialog_reset", [](Stage& stage, const QString& name) {
+                        stage.fill(people());
+                        stage.delegate.resetWorkflow();
                         stage.shoot(name, stage.dialog());
                       }});
   pictures.push_back({"dialog_tags", [](Stage& stage, const QString& name) {
@@ -286,7 +414,9 @@ int run(const QString& folder) {
   if (!QDir().mkpath(folder)) return 1;
   std::vector<Picture> pictures;
   takeListPictures(pictures);
+  takeRowPictures(pictures);
   takeCameraPictures(pictures);
+  takeBackupPictures(pictures);
   takeDialogPictures(pictures);
   takeSizePictures(pictures);
   for (const Picture& picture : pictures) {

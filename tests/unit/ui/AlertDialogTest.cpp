@@ -65,6 +65,15 @@ TEST(AlertDialog, LaysOutTheAccessoryFromItsBottomLeftCorner) {
   EXPECT_EQ(dialog.textFields()[1]->placeholderText(), QStringLiteral("_suffix"));
 }
 
+TEST(AlertDialog, GrowsToItsHighestControl) {
+  Question tall = question();
+  tall.accessory->textFields[0].rect = QRect(4, tall.accessory->size.height() - 4, 150, 24);
+  AlertDialog dialog(tall, nullptr);
+  const QLineEdit* highest = dialog.textFields()[0];
+  EXPECT_EQ(highest->y(), 0);
+  EXPECT_EQ(highest->parentWidget()->height(), tall.accessory->size.height() + 20);
+}
+
 TEST(AlertDialog, StartsInItsFirstFieldWithTheTextSelected) {
   AlertDialog dialog(question(), nullptr);
   dialog.open();

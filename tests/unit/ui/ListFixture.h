@@ -6,8 +6,10 @@
 
 #include "core/base/PosixFiles.h"
 #include "core/base/Preferences.h"
+#include "core/list/ListEditing.h"
 #include "core/list/ListStore.h"
 #include "core/list/NameList.h"
+#include "support/ScriptedOperator.h"
 #include "support/TestClock.h"
 
 namespace ambrel::ui {
@@ -35,6 +37,8 @@ class ListFixture : public ::testing::Test {
   StatusLine _statusLine{_clock, [] { return Readiness(); }};
   ListStore _store{_files, _locations};
   NameList _list{_store, _preferences, _statusLine};
+  ScriptedOperator _operator;
+  ListEditing _editing{_list, _operator, _statusLine};
 };
 
 }  // namespace ambrel::ui

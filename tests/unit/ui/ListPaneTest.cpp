@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <QFile>
 #include <QHeaderView>
 #include <QSignalSpy>
 #include <QTest>
@@ -17,7 +18,7 @@ class ListPaneTest : public ListFixture {
     _pane.resize(560, 600);
     _pane.show();
   }
-  AmbrelTableView* table() { return _pane.table(); }
+  NameTable* table() { return _pane.table(); }
   AmbrelDropZone* dropZone() { return _pane.findChild<AmbrelDropZone*>(); }
   AmbrelButton* button(const QString& title) {
     for (AmbrelButton* candidate : _pane.findChildren<AmbrelButton*>())
@@ -34,7 +35,7 @@ class ListPaneTest : public ListFixture {
     QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, QPoint(x, 10));
   }
 
-  ListPane _pane{_list, nullptr};
+  ListPane _pane{_list, _editing, nullptr};
 };
 
 TEST_F(ListPaneTest, ShowsTheDropZoneExactlyWhileTheListIsEmpty) {
@@ -57,6 +58,50 @@ TEST_F(ListPaneTest, AClickOnTheDropZoneAsksForAnImport) {
   QSignalSpy imports(&_pane, &ListPane::importRequested);
   QTest::mouseClick(dropZone(), Qt::LeftButton);
   EXPECT_EQ(imports.count(), 1);
+}
+
+TEST_F(ListPaneTest, TakesAListFileDroppedOntoTheEmptyList) {
+  QFile list(_home.filePath(QStringLiteral("names.csv")));
+  ASSERT_TRUE(list.open(QIODevice::WriteOnly) && list.write("Name\nAnna\nBen\n") > 0);
+  list.close();
+  ASSERT_TRUE(dropZone()->onDropPaths);
+  EXPECT_TRUE(dropZone()->onDropPaths({list.fileName()}));
+  EXPECT_EQ(table()->model()->rowCount(), 2);
+}
+
+TEST_F(ListPaneTest, ThePlusButtonAddsTheSearchTextAsAName) {
+  fillWithPeople(2);
+  QTest::keyClicks(_pane.searchField(), QStringLiteral("Zoe"));
+  QTest::mouseClick(button(QStringLiteral("+")), Qt::LeftButton);
+  EXPECT_EQ(_list.grid().text(2, Cell::Name), QStringLiteral("Zoe"));
+  EXPECT_EQ(_list.selectedRow(), 2);
+  EXPECT_EQ(_pane.searchField()->text(), QStringLiteral("Zoe"));
+}
+
+TEST_F(ListPaneTest, TheMenuOfARowActsOnThatRow) {
+  fill({{"Anna"}, {"Ben"}, {"Cara"}});
+  const auto choose = [this](RowCommand command, qint64 row) {
+    Q_EMIT table()->rowCommandChosen(command, row);
+  };
+  choose(RowCommand::InsertAbove, 1);
+  EXPECT_EQ(_list.grid().text(1, Cell::Name), QStringLiteral("New name"));
+  choose(RowCommand::InsertBelow, 3);
+  EXPECT_EQ(_list.grid().text(4, Cell::Name), QStringLiteral("New name"));
+  choose(RowCommand::DeleteRow, 1);
+  EXPECT_EQ(_list.grid().text(1, Cell::Name), QStringLiteral("Ben"));
+  choose(RowCommand::ToggleMarker, 0);
+  EXPECT_TRUE(_list.grid().markerForModelRow(0));
+  _operator.willAnswer(Answer{0, {QStringLiteral(" late ")}});
+  choose(RowCommand::EditNote, 2);
+  EXPECT_EQ(_list.grid().text(2, Cell::Note), QStringLiteral("late"));
+  QSignalSpy renames(&_pane, &ListPane::renameFolderRequested);
+  QSignalSpy opens(&_pane, &ListPane::openFolderRequested);
+  choose(RowCommand::RenameFolderAndImages, 2);
+  choose(RowCommand::OpenFolder, 1);
+  ASSERT_EQ(renames.count(), 1);
+  ASSERT_EQ(opens.count(), 1);
+  EXPECT_EQ(renames[0][0].toLongLong(), 2);
+  EXPECT_EQ(opens[0][0].toLongLong(), 1);
 }
 
 TEST_F(ListPaneTest, FiltersAtEveryLetterTyped) {

@@ -1,9 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <QAccessible>
+#include <QApplication>
+#include <QClipboard>
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QSet>
 #include <QTemporaryDir>
 #include <QTest>
 #include <gtest/gtest.h>
 
 #include "core/base/PosixFiles.h"
+#include "support/EventLoop.h"
 #include "support/ScriptedOperator.h"
 #include "support/TestClock.h"
 #include "support/TestLink.h"
@@ -60,6 +69,31 @@ TEST_F(MainWindowTest, DividesThePanesInHalves) {
   EXPECT_EQ(_window.splitView()->sizes(), (QList<int>{layout::halves(width)[0], layout::halves(width)[1]}));
 }
 
+TEST_F(MainWindowTest, RemembersItsSizeAndItsDivider) {
+  _window.resize(790, 700);
+  QCoreApplication::processEvents();
+  _window.splitView()->setSizes({350, 10000});
+  Q_EMIT _window.splitView()->splitterMoved(350, 1);
+  const QSize content = _window.centralWidget()->size();
+  const int left = _window.splitView()->sizes().front();
+  EXPECT_EQ(_delegate.windowPlacement(), layout::placementText({content, left}));
+
+  MainWindow again(_delegate);
+  again.installMainMenu(QStringLiteral("7.04"));
+  again.buildUI(QStringLiteral("7.04"));
+  again.showWindow();
+  EXPECT_EQ(again.centralWidget()->size(), content);
+  EXPECT_EQ(again.splitView()->sizes().front(), left);
+}
+
+TEST_F(MainWindowTest, TheDividerStopsAt330FromTheLeftAnd360FromTheRight) {
+  QSplitter* split = _window.splitView();
+  split->setSizes({200, 10000});
+  EXPECT_EQ(split->sizes().front(), 330);
+  split->setSizes({10000, 300});
+  EXPECT_EQ(split->sizes().back(), 360);
+}
+
 TEST_F(MainWindowTest, ArrowKeysMoveTheListEvenFromTheSearchField) {
   fill({{"Anna"}, {"Ben"}, {"Cara"}});
   QTest::keyClick(_window.leftPane()->searchField(), Qt::Key_Down);
@@ -78,9 +112,38 @@ TEST_F(MainWindowTest, TheDownArrowOnTheLastRowStaysThere) {
 
 TEST_F(MainWindowTest, LeftAndRightMoveTheCursorInATextField) {
   QLineEdit* field = _window.leftPane()->searchField();
+  field->setFocus();
   field->setText(QStringLiteral("Anna"));
   QTest::keyClick(field, Qt::Key_Left);
   EXPECT_EQ(field->cursorPosition(), 3);
+}
+
+TEST_F(MainWindowTest, LeftAndRightStepThePreviewOutsideTextFields) {
+  const auto write = [this](const char* name, qint64 seconds) {
+    QImage photo(30, 20, QImage::Format_RGB32);
+    photo.fill(Qt::red);
+    const QString path = _home.filePath(QLatin1String(name));
+    EXPECT_TRUE(photo.save(path));
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadWrite) &&
+                file.setFileTime(QDateTime::fromSecsSinceEpoch(seconds), QFileDevice::FileModificationTime));
+    return path;
+  };
+  const auto labelIs = [this](const QString& label) {
+    return runEventsUntil([&] { return _window.rightPane()->label() == label; });
+  };
+  write("a.jpg", 1000);
+  _delegate.preview().showPreviewPath(write("b.jpg", 2000), PreviewList::ListRefresh::Yes);
+  ASSERT_TRUE(labelIs(QStringLiteral("b.jpg  (2/2)")));
+  QTest::keyClick(_window.leftPane()->table(), Qt::Key_Left);
+  EXPECT_TRUE(labelIs(QStringLiteral("a.jpg  (1/2)")));
+  QTest::keyClick(_window.leftPane()->table(), Qt::Key_Right);
+  EXPECT_TRUE(labelIs(QStringLiteral("b.jpg  (2/2)")));
+}
+
+TEST_F(MainWindowTest, RevealingWithoutAPhotoBeeps) {
+  Q_EMIT _window.rightPane()->revealRequested();
+  EXPECT_EQ(_operator.beeps, 1);
 }
 
 TEST_F(MainWindowTest, TheArrowKeysAreFreeAgainWhenTheMonitorIsRemoved) {
@@ -108,14 +171,46 @@ TEST_F(MainWindowTest, TheAutoConnectItemFollowsTheSetting) {
 TEST_F(MainWindowTest, EditCommandsActOnTheFieldBeingEditedAndOnTheListOtherwise) {
   fill({{"Anna"}, {"Ben"}});
   _window.leftPane()->table()->setFocus();
-  EXPECT_FALSE(action(Command::Paste)->isEnabled());
+  EXPECT_FALSE(action(Command::Cut)->isEnabled());
   action(Command::SelectAll)->trigger();
   EXPECT_EQ(_delegate.list().tableSelection().size(), 2U);
   _window.leftPane()->searchField()->setFocus();
-  EXPECT_TRUE(action(Command::Paste)->isEnabled());
+  EXPECT_TRUE(action(Command::Cut)->isEnabled());
   _window.leftPane()->searchField()->setText(QStringLiteral("x"));
   action(Command::SelectAll)->trigger();
   EXPECT_EQ(_window.leftPane()->searchField()->selectedText(), QStringLiteral("x"));
+}
+
+TEST_F(MainWindowTest, CopyAndPasteServeTheListUnlessATextIsBeingEdited) {
+  fill({{"Anna", "front row"}});
+  _window.leftPane()->table()->setFocus();
+  action(Command::Copy)->trigger();
+  EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("Anna\tfront row"));
+  QApplication::clipboard()->setText(QStringLiteral("Ben\nCara\tlate"));
+  action(Command::Paste)->trigger();
+  EXPECT_EQ(_delegate.list().grid().rowCount(), 3);
+  EXPECT_EQ(_delegate.list().selectedRow(), 1);
+
+  QApplication::clipboard()->setText(QStringLiteral("an"));
+  _window.leftPane()->searchField()->setFocus();
+  action(Command::Paste)->trigger();
+  EXPECT_EQ(_delegate.list().grid().rowCount(), 3);
+  EXPECT_EQ(_window.leftPane()->searchField()->text(), QStringLiteral("an"));
+}
+
+TEST_F(MainWindowTest, CopyingWithoutARowBeepsAndLeavesTheClipboard) {
+  QApplication::clipboard()->setText(QStringLiteral("kept"));
+  action(Command::Copy)->trigger();
+  EXPECT_EQ(_operator.beeps, 1);
+  EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("kept"));
+}
+
+TEST_F(MainWindowTest, TheResetButtonForgetsTheList) {
+  fill({{"Anna"}, {"Ben"}});
+  _operator.willAnswer(0);
+  Q_EMIT _window.settingsPopover()->resetRequested();
+  EXPECT_EQ(_delegate.list().grid().rowCount(), 0);
+  EXPECT_FALSE(_window.leftPane()->table()->isVisible());
 }
 
 TEST_F(MainWindowTest, AClickInTheTableMakesTheRowCurrentAndTheStatusReady) {
@@ -139,6 +234,60 @@ TEST_F(MainWindowTest, TheGearOpensTheSettings) {
 TEST_F(MainWindowTest, ChoosingADestinationHighlightsIt) {
   Q_EMIT _window.settingsPopover()->destinationSelected(1);
   EXPECT_EQ(_delegate.settings().saveModeIndex(), 1);
+}
+
+TEST_F(MainWindowTest, TheBackupMenuAsksForAFolderAndKeepsItsCheckMarkTrue) {
+  _operator.willChoose(QString());
+  action(Command::ToggleBackup)->trigger();
+  EXPECT_EQ(_operator.requests.size(), 1U);
+  EXPECT_FALSE(action(Command::ToggleBackup)->isChecked());
+  action(Command::BackUpMissingFiles)->trigger();
+  ASSERT_FALSE(_operator.alerts.empty());
+  EXPECT_EQ(_operator.alerts.back().title, QStringLiteral("Backup Not Set Up"));
+}
+
+TEST_F(MainWindowTest, AChosenBackupFolderShowsInTheMenuTheSettingsAndTheCard) {
+  ASSERT_TRUE(QDir(_home.path()).mkdir(QStringLiteral("Copies")));
+  _operator.willChoose(_home.filePath(QStringLiteral("Copies")));
+  action(Command::ChooseBackupFolder)->trigger();
+  EXPECT_TRUE(action(Command::ToggleBackup)->isChecked());
+  EXPECT_EQ(action(Command::ToggleBackup)->text(), QStringLiteral("Backup Copy: On"));
+  QStringList texts;
+  for (const TextLabel* label : _window.findChildren<TextLabel*>())
+    texts << label->text();
+  EXPECT_TRUE(texts.contains(QStringLiteral("Up to date"))) << texts.join(QLatin1Char('|')).toStdString();
+}
+
+TEST_F(MainWindowTest, EveryControlHasANameForThoseWhoCannotSeeIt) {
+  fill({{"Anna"}});
+  for (QWidget* widget : _window.findChildren<QWidget*>()) {
+    if (widget->focusPolicy() == Qt::NoFocus || widget->objectName().startsWith(QLatin1String("qt_")))
+      continue;
+    if (widget == _window.centralWidget() || widget == _window.settingsPopover()) continue;
+    const QAccessibleInterface* face = QAccessible::queryAccessibleInterface(widget);
+    ASSERT_TRUE(face);
+    EXPECT_FALSE(face->text(QAccessible::Name).isEmpty()) << widget->metaObject()->className();
+  }
+}
+
+TEST_F(MainWindowTest, TheTabKeyReachesEveryControl) {
+  fill({{"Anna"}});
+  _window.activateWindow();
+  _window.leftPane()->searchField()->setFocus();
+  QSet<QWidget*> reached;
+  for (int presses = 0; presses < 60; ++presses) {
+    reached.insert(QApplication::focusWidget());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+  }
+  const auto expectReached = [&](QWidget* control) {
+    if (!control->isVisible() || !control->isEnabled()) return;
+    EXPECT_TRUE(reached.contains(control)) << control->toolTip().toStdString();
+  };
+  for (QWidget* button : _window.findChildren<AmbrelButton*>())
+    expectReached(button);
+  for (QWidget* field : _window.findChildren<QLineEdit*>())
+    expectReached(field);
+  EXPECT_TRUE(reached.contains(_window.leftPane()->table()));
 }
 
 TEST_F(MainWindowTest, ClosingTheWindowEndsTheApplication) {

@@ -12,8 +12,9 @@ TEST(Menus, StandInTheirOrderAndTheFirstCarriesTheVersion) {
   QStringList titles;
   for (const MenuColumn& column : menuTree(kVersion))
     titles << column.title;
-  EXPECT_EQ(titles, (QStringList{QStringLiteral("Ambrel Photo Tether 7.04"), QStringLiteral("Edit"),
-                                 QStringLiteral("List"), QStringLiteral("Camera")}));
+  EXPECT_EQ(titles,
+            (QStringList{QStringLiteral("Ambrel Photo Tether 7.04"), QStringLiteral("Edit"),
+                         QStringLiteral("List"), QStringLiteral("Camera"), QStringLiteral("Backup")}));
 }
 
 TEST(Menus, HaveTheirTitlesAndKeys) {
@@ -23,6 +24,7 @@ TEST(Menus, HaveTheirTitlesAndKeys) {
     const char* key;
   };
   const Entry table[] = {
+      {Command::CheckForUpdates, "Check for Updates…", ""},
       {Command::Quit, "Quit Ambrel Photo Tether 7.04", "Ctrl+Q"},
       {Command::Undo, "Undo", "Ctrl+Z"},
       {Command::Redo, "Redo", "Ctrl+Shift+Z"},
@@ -32,10 +34,17 @@ TEST(Menus, HaveTheirTitlesAndKeys) {
       {Command::SelectAll, "Select All", "Ctrl+A"},
       {Command::ImportCSV, "Import CSV…", "Ctrl+I"},
       {Command::ExportList, "Export List…", "Ctrl+E"},
+      {Command::RenamePhotoFolder, "Rename a Photo Folder…", ""},
       {Command::ConnectNow, "Connect Now", ""},
       {Command::ForceReconnect, "Force Reconnect (Restart Session)", ""},
       {Command::Disconnect, "Disconnect", ""},
       {Command::ToggleAutoConnect, "Auto-Connect Camera", ""},
+      {Command::ChooseBackupFolder, "Choose Backup Folder…", ""},
+      {Command::ToggleBackup, "Backup Copy: Off", ""},
+      {Command::RetryBackup, "Retry Backup Now", ""},
+      {Command::WakeAndReconnectDrive, "Wake && Reconnect Drive", ""},
+      {Command::BackUpMissingFiles, "Back Up Missing Files Now…", ""},
+      {Command::ClearBackupQueue, "Clear Backup Queue…", ""},
   };
   QMenuBar bar;
   const Menus menus(bar, kVersion, [](Command) {});
@@ -45,6 +54,35 @@ TEST(Menus, HaveTheirTitlesAndKeys) {
     EXPECT_EQ(action->shortcut().toString(QKeySequence::PortableText), QLatin1String(entry.key))
         << entry.title;
   }
+}
+
+TEST(Menus, GroupTheirItemsBySeparators) {
+  QStringList groups;
+  for (const MenuColumn& column : menuTree(kVersion)) {
+    QString group;
+    for (const MenuItem& item : column.items)
+      group += item.title.isEmpty() ? QLatin1Char('-') : QLatin1Char('x');
+    groups << group;
+  }
+  EXPECT_EQ(groups, (QStringList{QStringLiteral("x-x-x"), QStringLiteral("xx-xxx-x"), QStringLiteral("xx-x"),
+                                 QStringLiteral("xxx-x"), QStringLiteral("xx-xxxx")}));
+}
+
+TEST(Menus, TheBackupItemsFollowTheBackup) {
+  QMenuBar bar;
+  int started = 0;
+  Menus menus(bar, kVersion, [&](Command) { ++started; });
+  EXPECT_TRUE(menus.action(Command::ToggleBackup)->isCheckable());
+  EXPECT_FALSE(menus.action(Command::ToggleBackup)->isChecked());
+  menus.setBackup(
+      {QStringLiteral("Backup Copy: On"), true, QStringLiteral("Retry Backup Now (3 waiting)"), true});
+  EXPECT_EQ(menus.action(Command::ToggleBackup)->text(), QStringLiteral("Backup Copy: On"));
+  EXPECT_TRUE(menus.action(Command::ToggleBackup)->isChecked());
+  EXPECT_EQ(menus.action(Command::RetryBackup)->text(), QStringLiteral("Retry Backup Now (3 waiting)"));
+  EXPECT_TRUE(menus.action(Command::RetryBackup)->isEnabled());
+  menus.setBackup({QStringLiteral("Backup Copy: Off"), false, QStringLiteral("Retry Backup Now"), false});
+  EXPECT_FALSE(menus.action(Command::RetryBackup)->isEnabled());
+  EXPECT_EQ(started, 0);
 }
 
 TEST(Menus, ShowTheNameLineDisabledAboveQuit) {

@@ -147,13 +147,49 @@ TEST_F(SettingsPopoverTest, RebuildsTheTagButtonsWhenTheTagsAreReplaced) {
   EXPECT_TRUE(button(QStringLiteral("AM")));
 }
 
+TEST_F(SettingsPopoverTest, ShowsTheBackupFolderAndItsButton) {
+  EXPECT_EQ(button(QStringLiteral("Backup: Off"))->ambrelBaseColor(), Palette().grayColor());
+  _popover.showBackup(QStringLiteral("/media/Backup"),
+                      {QStringLiteral("Backup 75%"), BackupColor::Orange, QStringLiteral("Backup to …")}, {});
+  EXPECT_EQ(button(QStringLiteral("Backup 75%"))->ambrelBaseColor(), Palette().orangeColor());
+  EXPECT_EQ(button(QStringLiteral("Backup 75%"))->toolTip(), QStringLiteral("Backup to …"));
+  bool shown = false;
+  for (const TextLabel* label : _popover.findChildren<TextLabel*>())
+    shown |= label->text() == QStringLiteral("/media/Backup");
+  EXPECT_TRUE(shown);
+}
+
+TEST_F(SettingsPopoverTest, TheBackupButtonPopsUpItsMenu) {
+  QSignalSpy choose(&_popover, &SettingsPopover::chooseBackupFolderRequested);
+  QSignalSpy toggle(&_popover, &SettingsPopover::toggleBackupRequested);
+  _popover.showBackup({}, {QStringLiteral("Backup: Off"), BackupColor::Gray, {}},
+                      {QStringLiteral("Choose Backup Folder…"), {}});
+  open();
+  QTest::mouseClick(button(QStringLiteral("Backup: Off")), Qt::LeftButton);
+  ASSERT_TRUE(_popover.backupMenu());
+  ASSERT_EQ(_popover.backupMenu()->actions().size(), 1);
+  _popover.backupMenu()->actions()[0]->trigger();
+  _popover.backupMenu()->close();
+  _popover.showBackup(
+      QStringLiteral("/media/A & B"), {QStringLiteral("Backup ✓"), BackupColor::Green, {}},
+      {QStringLiteral("Change Backup Folder…  (now: A & B)"), QStringLiteral("Turn Backup Off")});
+  QTest::mouseClick(button(QStringLiteral("Backup ✓")), Qt::LeftButton);
+  ASSERT_EQ(_popover.backupMenu()->actions().size(), 2);
+  EXPECT_EQ(_popover.backupMenu()->actions()[0]->text(),
+            QStringLiteral("Change Backup Folder…  (now: A && B)"));
+  _popover.backupMenu()->actions()[1]->trigger();
+  EXPECT_EQ(choose.count(), 1);
+  EXPECT_EQ(toggle.count(), 1);
+}
+
 TEST_F(SettingsPopoverTest, LocksWhatChangesWherePhotosGoWhileAConnectIsPending) {
   defineTags({{"FR", true}});
   ControlStates states;
   states.setupUnlocked = false;
   _popover.updateControls(states);
+  // The backup can be seen to at any time.
   for (const AmbrelButton* each : _popover.findChildren<AmbrelButton*>())
-    EXPECT_FALSE(each->isEnabled()) << each->text().toStdString();
+    EXPECT_EQ(each->isEnabled(), each->text() == QStringLiteral("Backup: Off")) << each->text().toStdString();
 }
 
 }  // namespace

@@ -41,7 +41,7 @@ class TopPanelTest : public ::testing::Test {
 TEST_F(TopPanelTest, StartsWithPlaceholdersInItsCards) {
   EXPECT_EQ(cardAt(_places.cameraCard)->valueText(), QStringLiteral("● —"));
   EXPECT_EQ(cardAt(_places.storageCard)->valueText(), QStringLiteral("Checking..."));
-  EXPECT_EQ(cardAt(_places.backupCard)->valueText(), QStringLiteral("Off"));
+  EXPECT_EQ(cardAt(_places.backupCard)->valueText(), QStringLiteral("—"));
   EXPECT_EQ(_panel.counterField()->text(), QStringLiteral("1"));
 }
 
@@ -109,6 +109,14 @@ TEST_F(TopPanelTest, ItsButtonsAskForReconnectingAndForTheSettings) {
   EXPECT_EQ(reconnects.count(), 1);
   EXPECT_EQ(settings.count(), 1);
   EXPECT_EQ(_panel.gearButton()->geometry(), _places.gearButton);
+}
+
+TEST_F(TopPanelTest, TheBackupCardSaysHowTheBackupStands) {
+  _panel.showBackup({QStringLiteral("3 queued"), BackupColor::Orange});
+  EXPECT_EQ(cardAt(_places.backupCard)->valueText(), QStringLiteral("3 queued"));
+  EXPECT_EQ(cardAt(_places.backupCard)->valueColor(), Palette().orangeColor());
+  _panel.showBackup({QStringLiteral("Off"), BackupColor::Secondary});
+  EXPECT_EQ(cardAt(_places.backupCard)->valueColor(), Palette::secondaryLabelColor());
 }
 
 }  // namespace

@@ -139,7 +139,7 @@ TEST(Divider, SplitsIntoHalvesWithOnePointBetween) {
 }
 
 TEST(SettingsLayout, FitsEverySectionInto360By340) {
-  EXPECT_EQ(settingsSize(), QSize(360, 340));
+  EXPECT_EQ(kSettingsSize, QSize(360, 340));
   const Settings places = settings({360, 340}, 5);
   expectPlaces({{"SETTINGS", places.sectionLabels[0], fromBottom(340, 16, 302, 328, 22)},
                 {"TARGET FOLDER", places.sectionLabels[1], fromBottom(340, 16, 276, 328, 14)},
@@ -159,7 +159,7 @@ TEST(SettingsLayout, FitsEverySectionInto360By340) {
 }
 
 TEST(SettingsLayout, FitsFiveTagButtonsBesideTheEditButton) {
-  const Settings places = settings(settingsSize(), 5);
+  const Settings places = settings(kSettingsSize, 5);
   ASSERT_EQ(places.suffixButtons.size(), 5U);
   EXPECT_EQ(places.suffixButtons[1].x() - places.suffixButtons[0].x(), 52);
   EXPECT_FALSE(places.suffixButtons[4].intersects(places.suffixManageButton));
@@ -170,15 +170,21 @@ TEST(SettingsLayout, KeepsTheResetButtonInsideTheContent) {
   EXPECT_EQ(settings({360, 400}, 0).resetButton, fromBottom(400, 16, 60, 328, 30));
 }
 
-TEST(SettingsLayout, ClosesTheGapOfPartsThatAreNotThere) {
-  const SettingsParts parts{.backup = false, .reset = false};
-  const Settings places = settings(settingsSize(parts), 2, parts);
-  const Settings full = settings(settingsSize(), 2);
-  EXPECT_EQ(places.folderButton, full.folderButton);
-  EXPECT_EQ(places.destButtons[0].y(), full.destButtons[0].y() - 60);
-  EXPECT_EQ(settingsSize(parts).height() - places.suffixManageButton.bottom(), 17);
-  EXPECT_TRUE(places.backupButton.isNull());
-  EXPECT_TRUE(places.resetButton.isNull());
+TEST(WindowLayout, APlacementComesBackAsItWasWritten) {
+  const Placement placement{{1260, 840}, 613};
+  EXPECT_EQ(placementText(placement), QStringLiteral("1260x840/613"));
+  EXPECT_EQ(placementFrom(placementText(placement)), placement);
+}
+
+TEST(WindowLayout, APlacementThatCannotBeReadIsNone) {
+  for (const char* text : {"", "1260x840", "x/", "-5x5/5", "1260x840/613 ", "9999999x1/1", "a x b/c"})
+    EXPECT_EQ(placementFrom(QLatin1String(text)), std::nullopt) << text;
+}
+
+TEST(WindowLayout, APlacementIsBroughtOntoTheScreenAndNeverBelowTheSmallestWindow) {
+  EXPECT_EQ(fittedPlacement({{3000, 2000}, 500}, {1440, 900}), (Placement{{1440, 900}, 500}));
+  EXPECT_EQ(fittedPlacement({{10, 10}, 10}, {1440, 900}), (Placement{kMinimumContent, kLeftPaneMinimum}));
+  EXPECT_EQ(fittedPlacement({{1000, 700}, 5000}, {1440, 900}).leftPane, 1000 - 32 - kRightPaneMinimum);
 }
 
 }  // namespace
