@@ -111,7 +111,7 @@ QByteArray largeImport() {
 }
 
 struct Import {
-  double milliseconds = 0;
+  double processorMilliseconds = 0;  // what other programs take meanwhile does not count
   double peakMegabytes = 0;
 };
 
@@ -130,7 +130,7 @@ Import measureImport(const QString& folder, const QString& file) {
     Preferences preferences(locations.preferencesFile);
     ListStore store(files, locations);
     NameList list(store, preferences, statusLine);
-    const double taken = millisecondsOf([&] { list.importFirstColumnFromCSV(file); });
+    const double taken = processorMillisecondsOf([&] { list.importFirstColumnFromCSV(file); });
     require(list.grid().rowCount() == kImportedRows &&
                 list.filteredRows().size() == static_cast<std::size_t>(kImportedRows) &&
                 list.grid().bytes(kImportedRows - 1, Cell::Name) == "Person Number 3999999",
@@ -139,7 +139,7 @@ Import measureImport(const QString& folder, const QString& file) {
     _exit(0);
   }
   Import result;
-  require(read(ends[0], &result.milliseconds, sizeof result.milliseconds) == sizeof result.milliseconds,
+  require(read(ends[0], &result.processorMilliseconds, sizeof(double)) == sizeof(double),
           "the import failed");
   rusage usage = {};
   int status = 0;
@@ -151,7 +151,7 @@ Import measureImport(const QString& folder, const QString& file) {
 }
 
 double linesIntoMemory(const QString& path) {
-  return millisecondsOf([&] {
+  return processorMillisecondsOf([&] {
     std::ifstream in(QFile::encodeName(path).toStdString());
     std::vector<std::string> lines;
     for (std::string line; std::getline(in, line);)
@@ -173,11 +173,11 @@ void measureImports(Goals& goals, const QString& folder) {
   double peak = 0;
   for (int round = 0; round < 5; ++round) {
     const Import import = measureImport(folder, path);
-    times.push_back(import.milliseconds);
+    times.push_back(import.processorMilliseconds);
     peak = std::max(peak, import.peakMegabytes);
   }
   std::printf("import, %d rows, %.1f MB\n", kImportedRows, megabytes);
-  goals.atMost("imported and shown", median(times), 1500);
+  goals.atMost("imported and shown, processor time", median(times), 1500);
   goals.mention("  every line into a std::string", linesIntoMemory(path));
   goals.atMostTimes("peak of memory", peak, "file", megabytes, 6, "MB");
 }

@@ -1,0 +1,273 @@
+// SPDX-License-Identifier: Apache-2.0
+// How fast photos reach the backup, durably, beside rsync and cp; what the queue costs the main thread; and
+// what filing notices of a backup that runs or hangs.
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <fstream>
+#include <numeric>
+#include <semaphore>
+#include <string>
+
+#include "core/backup/Backup.h"
+#include "core/backup/BackupCopy.h"
+#include "core/backup/QueueFile.h"
+#include "core/base/PosixFiles.h"
+#include "core/base/SystemClock.h"
+#include "core/capture/CaptureSettings.h"
+#include "core/capture/PhotoFiler.h"
+#include "support/Goals.h"
+
+namespace ambrel::bench {
+namespace {
+
+constexpr int kRounds = 3;
+constexpr int kQueued = 5'000;
+constexpr int kFiledPerRound = 100;
+constexpr int kFilingRounds = 12;
+constexpr qsizetype kBusyPhotoBytes = 8 << 20;
+
+struct Photos {
+  int count;
+  qsizetype bytes;
+};
+
+QString photoPath(const QString& folder, int number) {
+  return folder + QStringLiteral("/Bob/Bob_%1.JPG").arg(number, 4, 10, QLatin1Char('0'));
+}
+
+QByteArray bytesOfPhoto(int number, qsizetype size) {
+  QByteArray bytes(size, static_cast<char>('a' + number % 26));
+  bytes.replace(0, 16, QByteArray::number(number).rightJustified(16, '0'));
+  return bytes;
+}
+
+void makePhotos(const QString& folder, const Photos& photos) {
+  require(QDir().mkpath(folder + QStringLiteral("/Bob")), "no folder");
+  for (int i = 0; i < photos.count; ++i) {
+    QFile file(photoPath(folder, i));
+    require(file.open(QIODevice::WriteOnly) && file.write(bytesOfPhoto(i, photos.bytes)) == photos.bytes,
+            "no photo");
+  }
+}
+
+void provePhotos(const QString& folder, const Photos& photos) {
+  for (int i = 0; i < photos.count; ++i) {
+    QFile file(photoPath(folder, i));
+    require(file.open(QIODevice::ReadOnly) && file.readAll() == bytesOfPhoto(i, photos.bytes),
+            "a copy is not its photo");
+  }
+}
+
+void run(const QString& program, const QStringList& arguments) {
+  require(QProcess::execute(program, arguments) == 0, "the peer failed");
+}
+
+// ---- Copies
+
+// A way to bring everything in one folder into another, on the disk.
+using CopyAll = std::function<void(const QString& from, const QString& to)>;
+
+double timeOf(const CopyAll& copyAll, const QString& folder, const Photos& photos) {
+  const QString from = folder + QStringLiteral("/from");
+  const QString to = folder + QStringLiteral("/to");
+  require(QDir().mkpath(to), "no folder");
+  run(QStringLiteral("sync"),
+      {QStringLiteral("-f"), folder});  // what others have written is not ours to wait for
+  const double taken = millisecondsOf([&] { copyAll(from, to); });
+  provePhotos(to, photos);
+  QDir(to).removeRecursively();
+  return taken;
+}
+
+void measureCopies(Goals& goals, const QString& folder, const Photos& photos, double timesRsync,
+                   double timesCp) {
+  makePhotos(folder + QStringLiteral("/from"), photos);
+  const CopyAll ours = [&photos](const QString& from, const QString& to) {
+    PosixFiles files;
+    for (int i = 0; i < photos.count; ++i) {
+      const BackupOutcome outcome =
+          copyToBackup(files, {.source = photoPath(from, i), .targetDir = from, .backupDir = to});
+      require(outcome.kind == BackupOutcome::Kind::Done, "not copied");
+    }
+  };
+  const CopyAll rsync = [](const QString& from, const QString& to) {
+    run(QStringLiteral("rsync"), {"-a", "--whole-file", "--fsync", from + '/', to + '/'});
+  };
+  const CopyAll copyAndSync = [](const QString& from, const QString& to) {
+    run(QStringLiteral("cp"), {"-r", from + QStringLiteral("/Bob"), to});
+    run(QStringLiteral("sync"), {"-f", to});
+  };
+  std::vector<double> oursTimes;
+  std::vector<double> rsyncTimes;
+  std::vector<double> cpTimes;
+  for (int round = 0; round < kRounds; ++round) {
+    oursTimes.push_back(timeOf(ours, folder, photos));
+    rsyncTimes.push_back(timeOf(rsync, folder, photos));
+    if (timesCp > 0) cpTimes.push_back(timeOf(copyAndSync, folder, photos));
+  }
+  const std::string what = std::to_string(photos.count) + " x " + std::to_string(photos.bytes / 1000) + " KB";
+  goals.atMostTimes(what + ", durable", median(oursTimes), "rsync --fsync", median(rsyncTimes),
+                    1 / timesRsync);
+  if (timesCp > 0)
+    goals.atMostTimes(what + ", durable", median(oursTimes), "cp + sync", median(cpTimes), 1 / timesCp);
+  QDir(folder + QStringLiteral("/from")).removeRecursively();
+}
+
+// ---- The queue
+
+double residentMegabytes() {
+  std::ifstream statistics("/proc/self/statm");
+  double pages = 0;
+  statistics >> pages >> pages;
+  return pages * 4096 / 1e6;
+}
+
+void measureQueue(Goals& goals, const QString& folder) {
+  PosixFiles files;
+  const Locations locations = Locations::below(folder + QStringLiteral("/home"));
+  std::vector<double> times;
+  double memory = 0;
+  {
+    BackupQueue queue(files, locations);
+    const auto savePhoto = [&queue, &folder](int number) {
+      queue.append(photoPath(folder, number));
+      queue.saveBackupQueue();
+    };
+    for (int i = 0; i < kQueued; ++i)
+      savePhoto(i);
+    queue.finishWriting();
+    const double before = residentMegabytes();
+    for (int i = 0; i < 1'000; ++i) {
+      times.push_back(millisecondsOf([&] { savePhoto(kQueued + i); }));
+      queue.remove(queue.paths().first());
+      times.push_back(millisecondsOf([&] { queue.saveBackupQueue(); }));
+    }
+    queue.finishWriting();
+    memory = residentMegabytes() - before;
+  }
+  const Result<QStringList> stored = readQueueFile(locations.dataFile(QStringLiteral("backup_queue.plist")));
+  require(stored && stored.value().size() == kQueued && stored.value().first() == photoPath(folder, 1'000),
+          "the queue is not in its file");
+  std::sort(times.begin(), times.end());
+  const double mean = std::accumulate(times.begin(), times.end(), 0.0) / static_cast<double>(times.size());
+  goals.atMost("main thread per queue write at 5,000, mean", mean, 1);
+  goals.mention("  median", median(times));
+  goals.mention("  p99, other programs on the core included", times[times.size() * 99 / 100]);
+  goals.atMost("memory that 1,000 more photos cost", memory, 5, "MB");
+}
+
+// ---- Filing beside a backup
+
+// A drive that answers nothing until it is let go.
+class HangingFiles : public PosixFiles {
+ public:
+  Result<void> copyToNew(const QString&, const QString&) override {
+    _gate.acquire();
+    return Failure{QStringLiteral("gone")};
+  }
+  void letGo() { _gate.release(); }
+
+ private:
+  std::binary_semaphore _gate{0};
+};
+
+class NobodyAsks : public Operator {
+ public:
+  void showAlert(const QString&, const QString&, std::function<void()>) override {}
+  void ask(const Question&, std::function<void(const Answer&)>) override {}
+  void choosePath(const PathRequest&, std::function<void(const QString&)> chosen) override { chosen(folder); }
+  void beep() override {}
+  QString folder;
+};
+
+enum class BackupAtWork { None, Running, Hung };
+
+// Files photos one after the other and adds the milliseconds that each took from report to filed.
+void fileBeside(BackupAtWork work, const QString& folder, std::vector<double>& times) {
+  QTemporaryDir home(folder + QStringLiteral("/filing-XXXXXX"));
+  const QString target = home.filePath(QStringLiteral("target"));
+  const QString copies = home.filePath(QStringLiteral("copies"));
+  QDir().mkpath(copies);
+  PosixFiles files;
+  HangingFiles hanging;
+  SystemClock clock;
+  NobodyAsks nobody;
+  nobody.folder = copies;
+  const Locations locations = Locations::below(home.path());
+  Preferences preferences(locations.preferencesFile);
+  StatusLine statusLine(clock, [] { return Readiness{}; });
+  const QString busyFolder = folder + QStringLiteral("/busy");
+  Backup backup(
+      clock, nobody, work == BackupAtWork::Hung ? hanging : files, statusLine, preferences, locations,
+      {.targetDir = [&] { return busyFolder; }, .isImageFileName = [](const QString&) { return true; }}, {});
+  CaptureSettings settings;
+  settings.setTargetDir(target);
+  PhotoFiler filer(files, {.targetDir = [&] { return settings.targetDir(); },
+                           .selectedQueueItemName = [] { return std::string("Bob"); },
+                           .enabledSuffixString = [] { return QString(); },
+                           .captureRow = [] { return 0; },
+                           .counter = [&] { return settings.counter(); },
+                           .advanceCounterPast = [&](qint64 used) { settings.advanceCounterPast(used); }});
+  int filed = 0;
+  QObject::connect(&filer, &PhotoFiler::filed, [&] { ++filed; });
+  if (work != BackupAtWork::None) {
+    backup.chooseBackupFolder();
+    for (int i = 0; i < 40; ++i)
+      backup.backupSavedFile(photoPath(busyFolder, i));
+    while (!backup.state().busy)
+      QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  }
+  for (int i = 0; i < kFiledPerRound; ++i) {
+    const QString download = home.filePath(QStringLiteral("IMG_%1.JPG").arg(i));
+    QFile file(download);
+    require(file.open(QIODevice::WriteOnly) && file.write("photo") == 5, "no download");
+    file.close();
+    times.push_back(millisecondsOf([&] {
+      filer.handleDownloadedPath(download);
+      while (filed <= i)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }));
+  }
+  backup.stop();
+  hanging.letGo();
+}
+
+double p99(std::vector<double> times) {
+  std::sort(times.begin(), times.end());
+  return times[times.size() * 99 / 100];
+}
+
+void measureFiling(Goals& goals, const QString& folder) {
+  makePhotos(folder + QStringLiteral("/busy"), {40, kBusyPhotoBytes});
+  std::vector<double> alone;
+  std::vector<double> running;
+  std::vector<double> hung;
+  for (int round = 0; round < kFilingRounds; ++round) {
+    fileBeside(BackupAtWork::None, folder, alone);
+    fileBeside(BackupAtWork::Running, folder, running);
+    fileBeside(BackupAtWork::Hung, folder, hung);
+  }
+  goals.mention("filing without a backup, median", median(alone));
+  goals.mention("filing beside a running backup, median", median(running));
+  goals.atMostTimes("filing beside a running backup, p99", p99(running), "without", p99(alone), 1.1);
+  goals.atMostTimes("filing beside a hung backup, p99", p99(hung), "without", p99(alone), 1.1);
+}
+
+}  // namespace
+}  // namespace ambrel::bench
+
+int main(int argc, char** argv) {
+  const QCoreApplication application(argc, argv);
+  // Below the build folder: a folder for temporary files may be memory, where a flush costs nothing.
+  const QTemporaryDir folder(QStringLiteral("bench-backup-XXXXXX"));
+  const QString path = QDir(folder.path()).absolutePath();
+  ambrel::bench::Goals goals;
+  ambrel::bench::measureQueue(goals, path);
+  ambrel::bench::measureFiling(goals, path);
+  ambrel::bench::measureCopies(goals, path, {250, 8'000'000}, 1.4, 0.9);
+  ambrel::bench::measureCopies(goals, path, {5'000, 100'000}, 1.0, 0);
+  return goals.exitCode();
+}

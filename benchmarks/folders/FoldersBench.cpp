@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: Apache-2.0
+// Photos of many people on disk: counting those of 10,000 rows beside find(1), again after one folder has
+// changed, and moving 5,000 photos into another folder. Ends with 1 when a goal is missed, with 2 when a
+// count is wrong or a photo is not where it belongs.
+#include <QCoreApplication>
+#include <QDir>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <fcntl.h>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+#include "core/base/PosixFiles.h"
+#include "core/capture/FolderMoves.h"
+#include "core/capture/FolderScan.h"
+#include "support/Goals.h"
+
+namespace ambrel::bench {
+namespace {
+
+constexpr int kPeople = 10'000;
+constexpr int kPhotosEach = 10;
+constexpr int kRounds = 9;
+constexpr int kMerged = 5'000;
+constexpr double kTimesFasterThanFind = 2;
+constexpr double kMostOfWholeCount = 0.5;
+constexpr double kPhotosPerSecond = 1500;
+
+using std::chrono::system_clock;
+
+std::string person(int number) {
+  return "Person Number " + std::to_string(number);
+}
+
+void makeFile(const std::string& path) {
+  const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL, 0644);
+  require(file >= 0 && ::write(file, path.data(), path.size()) > 0 && ::close(file) == 0, "no photo");
+}
+
+void makeFolder(const std::string& path) {
+  require(::mkdir(path.c_str(), 0755) == 0, "no folder");
+}
+
+void makePhotos(const std::string& folder, const std::string& prefix, int count) {
+  makeFolder(folder);
+  for (int i = 1; i <= count; ++i)
+    makeFile(folder + '/' + prefix + '_' + std::to_string(i) + ".JPG");
+}
+
+using Counts = std::vector<std::int64_t>;
+
+Counts ofAllPeople(FolderScan& scan, const std::string& target, system_clock::time_point now) {
+  const PhotoCounts counts = scan.scan(target, now);
+  Counts found;
+  for (int i = 0; i < kPeople; ++i)
+    found.push_back(counts.ofName(person(i)));
+  return found;
+}
+
+qint64 photosThatFindLists(const std::string& target) {
+  QProcess find;
+  find.start(QStringLiteral("find"), {QString::fromStdString(target), QStringLiteral("-mindepth"),
+                                      QStringLiteral("2"), QStringLiteral("-maxdepth"), QStringLiteral("2"),
+                                      QStringLiteral("-name"), QStringLiteral("*.JPG")});
+  require(find.waitForFinished(-1) && find.exitCode() == 0, "find does not work");
+  return find.readAllStandardOutput().count('\n');
+}
+
+void measureCounting(const std::string& target, Goals& goals) {
+  for (int i = 0; i < kPeople; ++i)
+    makePhotos(target + '/' + person(i), person(i), kPhotosEach);
+
+  // In turns, so that whatever else the machine does meets both alike.
+  std::vector<double> ours;
+  std::vector<double> find;
+  for (int round = 0; round < kRounds; ++round) {
+    FolderScan fresh;
+    Counts counts;
+    ours.push_back(millisecondsOf([&] { counts = ofAllPeople(fresh, target, system_clock::now()); }));
+    require(counts == Counts(kPeople, kPhotosEach), "the counts are wrong");
+    find.push_back(millisecondsOf(
+        [&] { require(photosThatFindLists(target) == kPeople * kPhotosEach, "find lists other photos"); }));
+  }
+  goals.atMostTimes("count 10,000 folders for 10,000 rows", median(ours), "find", median(find),
+                    1 / kTimesFasterThanFind);
+
+  // Seen from later, when the folders' clock has long moved on.
+  const auto later = system_clock::now() + std::chrono::hours(1);
+  FolderScan scan;
+  ofAllPeople(scan, target, later);
+  require(scan.foldersRead() == kPeople, "not every folder was read");
+  std::vector<double> again;
+  for (int round = 0; round < kRounds; ++round) {
+    makeFile(target + '/' + person(round) + "/another.jpg");
+    Counts counts;
+    again.push_back(millisecondsOf([&] { counts = ofAllPeople(scan, target, later); }));
+    require(scan.foldersRead() == 1, "more than the changed folder was read");
+    Counts expected(kPeople, kPhotosEach);
+    std::fill_n(expected.begin(), round + 1, kPhotosEach + 1);
+    require(counts == expected, "the counts are wrong after a change");
+  }
+  goals.atMostTimes("again after one folder has changed", median(again), "whole count", median(ours),
+                    kMostOfWholeCount);
+}
+
+void measureMerge(const std::string& target, Goals& goals) {
+  PosixFiles files;
+  std::vector<double> times;
+  for (int round = 0; round < 3; ++round) {
+    const std::string source = target + "/From " + std::to_string(round);
+    const std::string name = "Into " + std::to_string(round);
+    makePhotos(source, "photo", kMerged);
+    makePhotos(target + '/' + name, name, 10);
+    RenameOutcome outcome;
+    times.push_back(
+        millisecondsOf([&] { outcome = renameFolderFSAt(files, source, name, [] { return false; }); }));
+    require(outcome.photos == kMerged && outcome.message.isEmpty(), "not all photos were moved");
+    require(imageCountInFolder(target + '/' + name) == kMerged + 10, "photos are missing");
+    require(::access(source.c_str(), F_OK) != 0, "the empty folder is still there");
+  }
+  goals.atMost("merge 5,000 photos (>= 1,500/s)", median(times), kMerged * 1000 / kPhotosPerSecond);
+}
+
+int run() {
+  const QTemporaryDir folder;
+  Goals goals;
+  const std::string people = folder.path().toStdString() + "/people";
+  const std::string merges = folder.path().toStdString() + "/merges";
+  makeFolder(people);
+  makeFolder(merges);
+  measureCounting(people, goals);
+  measureMerge(merges, goals);
+  return goals.exitCode();
+}
+
+}  // namespace
+}  // namespace ambrel::bench
+
+int main(int argc, char** argv) {
+  const QCoreApplication application(argc, argv);
+  return ambrel::bench::run();
+}

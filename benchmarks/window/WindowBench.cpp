@@ -1,0 +1,214 @@
+// SPDX-License-Identifier: Apache-2.0
+// How soon the window is there, how fast the list follows the keys, and how long a photo takes to be seen.
+#include <QApplication>
+#include <QKeyEvent>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <algorithm>
+#include <cstdio>
+
+#include "core/app/AmbrelAppDelegate.h"
+#include "core/base/PosixFiles.h"
+#include "core/base/SystemClock.h"
+#include "core/worker/ProcessLink.h"
+#include "ui/Appearance.h"
+#include "ui/Dialogs.h"
+#include "ui/MainWindow.h"
+#include "window/PreviewBench.h"
+
+namespace ambrel::bench {
+namespace {
+
+constexpr int kRows = 100'000;
+constexpr int kStarts = 15;
+constexpr int kSteps = 600;
+
+// The application's clock with the splash already past.
+class ClockAfterSplash : public SystemClock {
+ public:
+  TimerId callAfter(std::chrono::milliseconds delay, const QObject* context,
+                    std::function<void()> action) override {
+    return SystemClock::callAfter(
+        delay == AmbrelAppDelegate::kSplashTime ? std::chrono::milliseconds(0) : delay, context,
+        std::move(action));
+  }
+};
+
+// Hears when a widget has been painted.
+class PaintWatch : public QObject {
+ public:
+  explicit PaintWatch(QWidget& widget) { widget.installEventFilter(this); }
+  void waitForPaint() {
+    painted = false;
+    while (!painted)
+      QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  }
+  bool painted = false;
+
+ protected:
+  bool eventFilter(QObject*, QEvent* event) override {
+    painted |= event->type() == QEvent::Paint;
+    return false;
+  }
+};
+
+struct Application {
+  explicit Application(const QString& home)
+      : locations(Locations::below(home)),
+        delegate(clock, dialogs, files, link, {locations, Bundle(home), [](qint64) {}}),
+        window(delegate) {
+    delegate.applicationDidFinishLaunching(window);
+    while (!window.isBuilt())
+      QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  }
+  ~Application() { delegate.applicationWillTerminate(); }
+
+  Locations locations;
+  ClockAfterSplash clock;
+  PosixFiles files;
+  ProcessLink link;
+  ui::Dialogs dialogs;
+  AmbrelAppDelegate delegate;
+  ui::MainWindow window;
+};
+
+std::vector<Row> people() {
+  std::vector<Row> rows;
+  for (int i = 0; i < kRows; ++i)
+    rows.push_back({"Person Number " + std::to_string(i), i % 3 == 0 ? "front row, left" : "",
+                    std::to_string(i % 4), i % 40 == 0 ? "1" : ""});
+  return rows;
+}
+
+void storePeople(const QString& home) {
+  PosixFiles files;
+  const Locations locations = Locations::below(home);
+  NameGrid grid;
+  grid.replaceAll(people());
+  ListStore store(files, locations);
+  require(store.save(grid), "no list");
+}
+
+// ---- Programs of their own, started and timed by this one
+
+int showMinimalWidget(QApplication&) {
+  QWidget widget;
+  widget.resize(1260, 840);
+  PaintWatch watch(widget);
+  widget.show();
+  watch.waitForPaint();
+  std::puts("painted");
+  return 0;
+}
+
+int showWindow(QApplication& application, const QString& home, int rows) {
+  ui::applyApplicationAppearance(application);
+  Application app(home);
+  require(app.delegate.list().grid().rowCount() == rows, "the list is not there");
+  QWidget* last = rows > 0 ? app.window.leftPane()->table()->viewport() : app.window.leftPane();
+  PaintWatch watch(*last);
+  watch.waitForPaint();
+  std::puts("painted");
+  std::fflush(stdout);
+  return 0;
+}
+
+double timeOfStart(const QStringList& arguments) {
+  QProcess program;
+  double taken = 0;
+  taken = millisecondsOf([&] {
+    program.start(QCoreApplication::applicationFilePath(), arguments);
+    require(program.waitForReadyRead(20000), "nothing was painted");
+  });
+  require(program.readAllStandardOutput().startsWith("painted"), "nothing was painted");
+  program.waitForFinished();
+  return taken;
+}
+
+void measureStarts(Goals& goals, const QString& folder) {
+  const QString empty = folder + QStringLiteral("/empty");
+  const QString full = folder + QStringLiteral("/full");
+  storePeople(full);
+  std::vector<double> minimal;
+  std::vector<double> window;
+  std::vector<double> withNames;
+  for (int round = 0; round < kStarts; ++round) {
+    minimal.push_back(timeOfStart({QStringLiteral("--minimal")}));
+    window.push_back(timeOfStart({QStringLiteral("--window"), empty, QStringLiteral("0")}));
+    withNames.push_back(timeOfStart({QStringLiteral("--window"), full, QString::number(kRows)}));
+  }
+  goals.atMostTimes("start to painted window", median(window), "minimal widget", median(minimal), 1.7);
+  goals.atMostTimes("  with 100,000 names", median(withNames), "minimal widget", median(minimal), 2.5);
+}
+
+// ---- Keys in the window
+
+void press(QWidget& widget, int key, const QString& text = {}) {
+  QKeyEvent down(QEvent::KeyPress, key, Qt::NoModifier, text);
+  QApplication::sendEvent(&widget, &down);
+  QKeyEvent up(QEvent::KeyRelease, key, Qt::NoModifier, text);
+  QApplication::sendEvent(&widget, &up);
+}
+
+void measureKeys(Goals& goals, const QString& folder) {
+  Application app(folder + QStringLiteral("/full"));
+  require(app.delegate.list().grid().rowCount() == kRows, "the list is not there");
+  ui::NameTable& table = *app.window.leftPane()->table();
+  PaintWatch watch(*table.viewport());
+  watch.waitForPaint();
+  std::vector<double> steps;
+  for (int step = 0; step < kSteps; ++step) {
+    steps.push_back(millisecondsOf([&] {
+      press(table, Qt::Key_Down);
+      watch.waitForPaint();
+    }));
+  }
+  require(app.delegate.list().selectedRow() == kSteps, "the selection did not follow");
+  double whole = 0;
+  for (const double step : steps)
+    whole += step;
+  goals.atMost("row stepped to and painted", whole / kSteps, 1000.0 / 60);
+  goals.mention("  rows a second", kSteps * 1000 / whole, "");
+
+  std::vector<double> letters;
+  QLineEdit& field = *app.window.leftPane()->searchField();
+  for (int round = 0; round < 10; ++round) {
+    for (const char letter : {'n', 'u', 'm', 'b', 'e', 'r', ' ', '1', '2', '3'}) {
+      letters.push_back(millisecondsOf([&] {
+        press(field, 0, QString(QLatin1Char(letter)));
+        watch.waitForPaint();
+      }));
+    }
+    require(app.delegate.list().filteredRows().size() == 111, "wrong names");
+    app.delegate.list().clearSearch();
+    watch.waitForPaint();
+  }
+  std::sort(letters.begin(), letters.end());
+  goals.atMost("letter typed in the search, painted, p99", letters[letters.size() * 99 / 100], 8);
+  goals.mention("  median", median(letters));
+}
+
+int run(QApplication& application) {
+  const QTemporaryDir folder(QStringLiteral("bench-window-XXXXXX"));
+  Goals goals;
+  measureStarts(goals, QDir(folder.path()).absolutePath());
+  ui::applyApplicationAppearance(application);
+  measureKeys(goals, QDir(folder.path()).absolutePath());
+  measurePreview(goals, folder.path());
+  return goals.exitCode();
+}
+
+}  // namespace
+}  // namespace ambrel::bench
+
+int main(int argc, char** argv) {
+  // Where there is no display, everything is painted into memory, the peers as well.
+  if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+  QApplication application(argc, argv);
+  const QStringList arguments = QCoreApplication::arguments();
+  if (arguments.value(1) == QLatin1String("--minimal")) return ambrel::bench::showMinimalWidget(application);
+  if (arguments.value(1) == QLatin1String("--window"))
+    return ambrel::bench::showWindow(application, arguments.value(2), arguments.value(3).toInt());
+  return ambrel::bench::run(application);
+}
