@@ -3,7 +3,7 @@
 
 namespace ambrel::ui {
 
-ImageLoader::ImageLoader(Decode decode) : _decode(std::move(decode)), _thread(*this) {}
+ImageLoader::ImageLoader(Decode decode) : _decode(std::move(decode)) {}
 
 void ImageLoader::load(const QString& path, QSize fit) {
   const quint64 turn = ++*_newest;

@@ -17,8 +17,7 @@ Backup::Backup(Clock& clock, Operator& operatorSeam, Files& files, StatusLine& s
       _preferences(preferences),
       _surroundings(std::move(surroundings)),
       _recovery(clock, preferences, statusLine, std::move(driveMeans)),
-      _backupQueue(files, locations),
-      _jobs(*this) {
+      _backupQueue(files, locations) {
   connect(&_recovery, &DriveRecovery::driveBack, this, &Backup::processBackupQueue);
   connect(&_backupQueue, &BackupQueue::written, this, [this] {
     _queueWriteFailed = false;

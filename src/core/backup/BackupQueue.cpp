@@ -13,7 +13,10 @@ constexpr int kMaxNamesAside = 1000;
 }  // namespace
 
 BackupQueue::BackupQueue(Files& files, const Locations& locations)
-    : _files(files), _locations(locations), _writer([this] { write(); }) {}
+    : _files(files),
+      _locations(locations),
+      _doorbell([this] { settleOne(); }),
+      _writer([this] { write(); }) {}
 
 QString BackupQueue::backupQueuePath() const {
   return _locations.dataFile(QStringLiteral("backup_queue.plist"));
@@ -35,17 +38,24 @@ void BackupQueue::write() {
     snapshot = _toWrite;
   }
   const Result<void> result = _files.replaceWhole(backupQueuePath(), encodeQueue(snapshot.paths));
-  QMetaObject::invokeMethod(
-      this, [this, number = snapshot.number, result] { settle(number, result); }, Qt::QueuedConnection);
+  const std::lock_guard lock(_mutex);
+  _outcomes.push_back({snapshot.number, result});
+  _doorbell.ring();
 }
 
 // A queue that cannot be written is no reason to leave photos without their backup: they go all the same.
-void BackupQueue::settle(quint64 number, const Result<void>& result) {
-  _lastSettled = number;
-  if (result) {
+void BackupQueue::settleOne() {
+  const Outcome outcome = [this] {
+    const std::lock_guard lock(_mutex);
+    Outcome first = std::move(_outcomes.front());
+    _outcomes.pop_front();
+    return first;
+  }();
+  _lastSettled = outcome.number;
+  if (outcome.result) {
     Q_EMIT written();
   } else {
-    Q_EMIT notWritten(result.error());
+    Q_EMIT notWritten(outcome.result.error());
   }
 }
 

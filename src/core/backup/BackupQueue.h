@@ -4,8 +4,10 @@
 #include <QHash>
 #include <QObject>
 #include <QStringList>
+#include <deque>
 #include <mutex>
 
+#include "core/base/Doorbell.h"
 #include "core/base/Files.h"
 #include "core/base/Locations.h"
 #include "core/base/WriteBehind.h"
@@ -53,8 +55,12 @@ class BackupQueue : public QObject {
     QStringList paths;
     quint64 number = 0;
   };
+  struct Outcome {
+    quint64 number;
+    Result<void> result;
+  };
   void write();
-  void settle(quint64 number, const Result<void>& result);
+  void settleOne();
   void keepAside(const QString& path);
 
   Files& _files;
@@ -63,8 +69,10 @@ class BackupQueue : public QObject {
   QHash<QString, quint64> _savedWith;  // the number of the save that each path waits for
   quint64 _lastSave = 0;
   quint64 _lastSettled = 0;
-  std::mutex _mutex;  // guards _toWrite
+  std::mutex _mutex;  // guards the next two
   Snapshot _toWrite;
+  std::deque<Outcome> _outcomes;
+  Doorbell _doorbell;
   WriteBehind _writer;
 };
 

@@ -19,11 +19,7 @@ DriveMeans DriveMeans::ofTheSystem() {
 }
 
 DriveRecovery::DriveRecovery(Clock& clock, Preferences& preferences, StatusLine& statusLine, DriveMeans means)
-    : _clock(clock),
-      _preferences(preferences),
-      _statusLine(statusLine),
-      _means(std::move(means)),
-      _jobs(*this) {}
+    : _clock(clock), _preferences(preferences), _statusLine(statusLine), _means(std::move(means)) {}
 
 void DriveRecovery::captureBackupShareInfo(const QString& backupDir) {
   if (backupDir.isEmpty() || !_means.volumeOf) return;

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <QObject>
 #include <chrono>
 #include <functional>
 #include <memory>
+
+#include "core/base/Doorbell.h"
 
 namespace ambrel {
 
@@ -21,8 +22,8 @@ class BackgroundJobs {
   // How long the destructor waits for jobs under way.
   static constexpr std::chrono::milliseconds kPatience{200};
 
-  // Replies run in the event loop of `mainSide`, which must outlive this object.
-  explicit BackgroundJobs(QObject& mainSide);
+  // Replies run in the event loop of the thread that makes this object.
+  BackgroundJobs();
   ~BackgroundJobs();
   BackgroundJobs(const BackgroundJobs&) = delete;
   BackgroundJobs& operator=(const BackgroundJobs&) = delete;
@@ -32,6 +33,7 @@ class BackgroundJobs {
  private:
   class Line;
   std::shared_ptr<Line> _line;
+  Doorbell _doorbell;
 };
 
 }  // namespace ambrel

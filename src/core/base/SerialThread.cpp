@@ -7,8 +7,10 @@ namespace ambrel {
 
 using std::chrono::steady_clock;
 
-SerialThread::SerialThread(QObject& mainSide)
-    : _line(new Line(mainSide)), _thread([line = _line] { line->runJobs(); }) {}
+SerialThread::SerialThread() : _line(new Line), _doorbell([line = _line] { line->serveOne(); }) {
+  _line->listenWith(_doorbell);
+  _thread = std::thread([line = _line] { line->runJobs(); });
+}
 
 SerialThread::~SerialThread() {
   using std::chrono::milliseconds;
@@ -78,8 +80,7 @@ std::shared_ptr<SerialThread::Line::Request> SerialThread::Line::post(std::funct
   const auto request = std::make_shared<Request>(Request{std::move(action)});
   _requests.push_back(request);
   // One event for each request, so that a burst of photos leaves room for other events in between.
-  QMetaObject::invokeMethod(
-      _mainSide, [line = shared_from_this()] { line->serveOne(); }, Qt::QueuedConnection);
+  _mainSide->ring();
   _changed.notify_all();
   return request;
 }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <QObject>
 #include <chrono>
 #include <condition_variable>
 #include <deque>
@@ -9,6 +8,8 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+
+#include "core/base/Doorbell.h"
 
 namespace ambrel {
 
@@ -26,8 +27,8 @@ class SerialThread {
   // How long the destructor waits for a running job, unless finish() has already waited for it in vain.
   static constexpr std::chrono::milliseconds kPatience{200};
 
-  // What jobs ask for is done in the event loop of `mainSide`, which must outlive this object.
-  explicit SerialThread(QObject& mainSide);
+  // What jobs ask for is done in the event loop of the thread that makes this object.
+  SerialThread();
   // Jobs that have not begun are dropped.
   ~SerialThread();
   SerialThread(const SerialThread&) = delete;
@@ -39,11 +40,12 @@ class SerialThread {
 
  private:
   std::shared_ptr<Line> _line;
+  Doorbell _doorbell;
   bool _waitedInVain = false;
   std::thread _thread;
 };
 
-class SerialThread::Line : public std::enable_shared_from_this<SerialThread::Line> {
+class SerialThread::Line {
  public:
   // For jobs. Does `action` on the main thread and waits for it. False, and `action` is not done, when the
   // main thread no longer listens.
@@ -60,7 +62,8 @@ class SerialThread::Line : public std::enable_shared_from_this<SerialThread::Lin
     bool done = false;
   };
 
-  explicit Line(QObject& mainSide) : _mainSide(&mainSide) {}
+  Line() = default;
+  void listenWith(Doorbell& mainSide) { _mainSide = &mainSide; }
   void addJob(Job job);
   void runJobs();
   void serveOne();
@@ -71,7 +74,7 @@ class SerialThread::Line : public std::enable_shared_from_this<SerialThread::Lin
 
   mutable std::mutex _mutex;  // guards everything below
   std::condition_variable _changed;
-  QObject* _mainSide;  // null once abandoned
+  Doorbell* _mainSide = nullptr;  // null once abandoned
   std::deque<Job> _jobs;
   bool _jobRuns = false;
   bool _threadEnded = false;

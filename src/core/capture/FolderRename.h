@@ -92,7 +92,7 @@ class FolderRename : public QObject {
   Operator& _operator;
   StatusLine& _statusLine;
   RenameDesk _desk;
-  SerialThread _mirrorThread{*this};
+  SerialThread _mirrorThread;
 };
 
 }  // namespace ambrel

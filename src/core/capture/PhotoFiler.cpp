@@ -199,10 +199,7 @@ Result<void> PhotoFiler::Filing::checkResult(const QString& path) {
 }
 
 PhotoFiler::PhotoFiler(Files& files, FilingDesk desk)
-    : _files(files),
-      _desk(std::move(desk)),
-      _renameQueuedPaths(std::make_shared<QueuedPaths>()),
-      _thread(*this) {}
+    : _files(files), _desk(std::move(desk)), _renameQueuedPaths(std::make_shared<QueuedPaths>()) {}
 
 PhotoFiler::~PhotoFiler() = default;
 

@@ -72,7 +72,7 @@ class PreviewList : public QObject {
   QString _filenameLabel;
   Clock::TimerId _debounce = Clock::kNoTimer;
   std::shared_ptr<std::atomic<quint64>> _newestRefresh;
-  SerialThread _walkThread{*this};
+  SerialThread _walkThread;
 };
 
 }  // namespace ambrel

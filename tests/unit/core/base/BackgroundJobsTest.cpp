@@ -14,8 +14,7 @@ using namespace ambrel;
 using namespace std::chrono_literals;
 
 TEST(BackgroundJobs, WorksElsewhereAndRepliesOnTheMainThread) {
-  QObject mainSide;
-  BackgroundJobs jobs(mainSide);
+  BackgroundJobs jobs;
   std::thread::id worked;
   std::thread::id replied;
   jobs.start([&]() -> BackgroundJobs::Reply {
@@ -28,9 +27,8 @@ TEST(BackgroundJobs, WorksElsewhereAndRepliesOnTheMainThread) {
 }
 
 TEST(BackgroundJobs, NeedsNoReply) {
-  QObject mainSide;
   std::binary_semaphore done(0);
-  BackgroundJobs jobs(mainSide);
+  BackgroundJobs jobs;
   jobs.start([&]() -> BackgroundJobs::Reply {
     done.release();
     return {};
@@ -39,10 +37,9 @@ TEST(BackgroundJobs, NeedsNoReply) {
 }
 
 TEST(BackgroundJobs, LetsOneJobHangWithoutHoldingUpAnother) {
-  QObject mainSide;
   std::binary_semaphore goOn(0);
   bool replied = false;
-  BackgroundJobs jobs(mainSide);
+  BackgroundJobs jobs;
   jobs.start([&]() -> BackgroundJobs::Reply {
     goOn.acquire();
     return {};
@@ -53,9 +50,8 @@ TEST(BackgroundJobs, LetsOneJobHangWithoutHoldingUpAnother) {
 }
 
 TEST(BackgroundJobs, WaitsForAJobThatEndsSoon) {
-  QObject mainSide;
   const auto ended = std::make_shared<std::atomic<bool>>(false);
-  auto jobs = std::make_unique<BackgroundJobs>(mainSide);
+  auto jobs = std::make_unique<BackgroundJobs>();
   jobs->start([ended]() -> BackgroundJobs::Reply {
     *ended = true;
     return {};
@@ -65,14 +61,13 @@ TEST(BackgroundJobs, WaitsForAJobThatEndsSoon) {
 }
 
 TEST(BackgroundJobs, LeavesAJobBehindThatHangsAndDropsItsReply) {
-  QObject mainSide;
   struct Shared {
     std::binary_semaphore goOn{0};
     std::binary_semaphore ended{0};
     std::atomic<bool> replied{false};
   };
   const auto shared = std::make_shared<Shared>();
-  auto jobs = std::make_unique<BackgroundJobs>(mainSide);
+  auto jobs = std::make_unique<BackgroundJobs>();
   jobs->start([shared]() -> BackgroundJobs::Reply {
     shared->goOn.acquire();
     shared->ended.release();

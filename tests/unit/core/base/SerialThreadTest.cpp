@@ -22,8 +22,7 @@ void processEventsUntil(const std::function<bool()>& reached) {
 }  // namespace
 
 TEST(SerialThread, DoesItsJobsInTheOrderGiven) {
-  QObject mainSide;
-  SerialThread thread(mainSide);
+  SerialThread thread;
   std::vector<int> done;
   for (int i = 0; i < 100; ++i)
     thread.add([i, &done](SerialThread::Line&) { done.push_back(i); });
@@ -34,8 +33,7 @@ TEST(SerialThread, DoesItsJobsInTheOrderGiven) {
 }
 
 TEST(SerialThread, DoesWhatAJobAsksForOnTheMainThreadFromTheEventLoop) {
-  QObject mainSide;
-  SerialThread thread(mainSide);
+  SerialThread thread;
   const std::thread::id mainThread = std::this_thread::get_id();
   bool askedThere = false;
   bool toldThere = false;
@@ -53,8 +51,7 @@ TEST(SerialThread, DoesWhatAJobAsksForOnTheMainThreadFromTheEventLoop) {
 }
 
 TEST(SerialThread, FinishServesTheJobsWithoutAnEventLoop) {
-  QObject mainSide;
-  SerialThread thread(mainSide);
+  SerialThread thread;
   std::vector<int> served;
   for (int i = 0; i < 20; ++i) {
     thread.add([i, &served](SerialThread::Line& line) {
@@ -72,7 +69,7 @@ TEST(SerialThread, FinishServesTheJobsWithoutAnEventLoop) {
 
 TEST(SerialThread, OtherEventsComeBetweenTheRequestsOfABurst) {
   QObject mainSide;
-  SerialThread thread(mainSide);
+  SerialThread thread;
   std::vector<char> order;
   std::promise<void> allTold;
   thread.add([&](SerialThread::Line& line) {
@@ -88,18 +85,16 @@ TEST(SerialThread, OtherEventsComeBetweenTheRequestsOfABurst) {
 }
 
 TEST(SerialThread, FinishWithNothingToDoReturnsAtOnce) {
-  QObject mainSide;
-  SerialThread thread(mainSide);
+  SerialThread thread;
   EXPECT_TRUE(thread.finish(0ms));
 }
 
 TEST(SerialThread, FinishGivesUpAfterItsLimitAndTheThreadIsLeftBehind) {
-  QObject mainSide;
   auto release = std::make_shared<std::promise<void>>();
   std::promise<void> begun;
   std::promise<bool> abandoned;
   {
-    SerialThread thread(mainSide);
+    SerialThread thread;
     thread.add([hold = release->get_future().share(), &begun, &abandoned](SerialThread::Line& line) {
       begun.set_value();
       hold.wait();
@@ -116,8 +111,7 @@ TEST(SerialThread, DestructionRefusesWhatAJobIsWaitingFor) {
   std::promise<void> asking;
   std::promise<bool> answered;
   {
-    QObject mainSide;
-    SerialThread thread(mainSide);
+    SerialThread thread;
     thread.add([&](SerialThread::Line& line) {
       asking.set_value();
       answered.set_value(line.ask([] { FAIL() << "the main thread never serves this"; }));
@@ -131,8 +125,7 @@ TEST(SerialThread, JobsThatHaveNotBegunAreDroppedAtDestruction) {
   std::promise<void> begun;
   bool secondRan = false;
   {
-    QObject mainSide;
-    SerialThread thread(mainSide);
+    SerialThread thread;
     thread.add([&](SerialThread::Line& line) {
       begun.set_value();
       EXPECT_FALSE(line.ask([] {}));
@@ -147,8 +140,7 @@ TEST(SerialThread, WhatAJobToldIsForgottenAtDestruction) {
   bool told = false;
   std::promise<void> ended;
   {
-    QObject mainSide;
-    SerialThread thread(mainSide);
+    SerialThread thread;
     thread.add([&](SerialThread::Line& line) {
       line.tell([&] { told = true; });
       ended.set_value();

@@ -70,8 +70,7 @@ class FoldersFixture : public ListFixture {
 
   std::string target = path(QStringLiteral("Photos")).toStdString();
   QString targetDir = QString::fromStdString(target);
-  QObject mainSide;
-  SerialThread thread{mainSide};
+  SerialThread thread;
   PhotoFolders folders{thread, list, [this] { return targetDir; }};
 };
 
