@@ -4,17 +4,12 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
-#include <unistd.h>
 
 namespace ambrel {
 namespace {
 
-DIR* openStream(int parent, const char* path) {
-  const int descriptor = ::openat(parent, path, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (descriptor < 0) return nullptr;
-  DIR* stream = ::fdopendir(descriptor);
-  if (!stream) ::close(descriptor);
-  return stream;
+int openFolder(int parent, const char* path) {
+  return ::openat(parent, path, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
 }
 
 bool isSelfOrParent(const char* name) {
@@ -46,22 +41,17 @@ std::vector<std::string> namesIn(const std::string& folder, Accept accept) {
 }  // namespace
 
 FolderReader::FolderReader(int parent, const char* path)
-    : _stream(openStream(parent, path)), _failed(_stream == nullptr) {}
+    : _stream(openFolder(parent, path)), _failed(!isOpen()) {}
 
 FolderReader::FolderReader(const std::string& path) : FolderReader(AT_FDCWD, systemPath(path)) {}
 
 FolderReader::FolderReader(const FolderReader& parent, const char* name)
-    : FolderReader(parent.isOpen() ? ::dirfd(parent._stream) : -1, name) {}
-
-FolderReader::~FolderReader() {
-  if (_stream) ::closedir(_stream);
-}
+    : FolderReader(parent._stream.descriptor(), name) {}
 
 const dirent* FolderReader::next() {
-  if (!_stream) return nullptr;
+  if (!isOpen()) return nullptr;
   for (;;) {
-    errno = 0;
-    const dirent* entry = ::readdir(_stream);
+    const dirent* entry = _stream.next();
     if (!entry) {
       _failed = errno != 0;
       return nullptr;
@@ -78,13 +68,13 @@ bool FolderReader::isFolder(const dirent& entry) const {
 
 std::optional<struct stat> FolderReader::status() const {
   struct stat status = {};
-  if (!_stream || ::fstat(::dirfd(_stream), &status) != 0) return std::nullopt;
+  if (!isOpen() || ::fstat(_stream.descriptor(), &status) != 0) return std::nullopt;
   return status;
 }
 
 std::optional<struct stat> FolderReader::status(const char* name) const {
   struct stat status = {};
-  if (!_stream || ::fstatat(::dirfd(_stream), name, &status, 0) != 0) return std::nullopt;
+  if (!isOpen() || ::fstatat(_stream.descriptor(), name, &status, 0) != 0) return std::nullopt;
   return status;
 }
 

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <dirent.h>
 #include <optional>
 #include <string>
 #include <sys/stat.h>
 #include <vector>
+
+#include "core/base/FolderStream.h"
 
 namespace ambrel {
 
@@ -16,11 +17,8 @@ class FolderReader {
   explicit FolderReader(const std::string& path);
   // A folder in `parent`, which a link may lead to.
   FolderReader(const FolderReader& parent, const char* name);
-  ~FolderReader();
-  FolderReader(const FolderReader&) = delete;
-  FolderReader& operator=(const FolderReader&) = delete;
 
-  bool isOpen() const { return _stream != nullptr; }
+  bool isOpen() const { return _stream.descriptor() >= 0; }
   // Null at the end and on an error, which failed() then tells; valid until the next call. "." and ".." are
   // left out.
   const dirent* next();
@@ -35,7 +33,7 @@ class FolderReader {
  private:
   FolderReader(int parent, const char* path);
 
-  DIR* _stream;
+  FolderStream _stream;
   bool _failed;
 };
 

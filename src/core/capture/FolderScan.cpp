@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/capture/FolderScan.h"
 
+#include <atomic>
+#include <functional>
 #include <optional>
+#include <system_error>
+#include <thread>
 #include <utility>
 #include <vector>
 
-#include "core/base/FolderReader.h"
 #include "core/capture/FileNames.h"
 
 namespace ambrel {
@@ -53,11 +56,48 @@ bool isSettled(const struct stat& status, system_clock::time_point now) {
   return changed + FolderScan::kClockGrain <= now;
 }
 
+// Below this, a thread costs more than it saves.
+constexpr std::size_t kWorthAThread = 256;
+
+// Does `work` for every index, each once, in no order. The system answers for one folder at a time, so a
+// second thread asks for the next one meanwhile.
+void onTwoThreads(std::size_t count, const std::function<void(std::size_t)>& work) {
+  std::atomic<std::size_t> next = 0;
+  const auto takeTurns = [&] {
+    for (std::size_t i = next++; i < count; i = next++)
+      work(i);
+  };
+  std::jthread second;
+  if (count >= kWorthAThread) {
+    try {
+      second = std::jthread(takeTurns);
+    } catch (const std::system_error&) {
+      // No thread to be had: this one does it all.
+    }
+  }
+  takeTurns();
+}
+
 }  // namespace
 
 std::int64_t imageCountInFolder(const std::string& folder) {
   FolderReader reader(folder);
   return countPhotos(reader).value_or(0);
+}
+
+FolderScan::Visit FolderScan::visit(const FolderReader& target, const std::string& name,
+                                    const KnownFolders& before, system_clock::time_point now) {
+  const auto known = before.find(name);
+  if (known != before.end() && known->second.settled) {
+    const std::optional<struct stat> status = target.status(name.c_str());
+    if (status && isUnchanged(known->second.status, *status)) return {known->second, true, false};
+  }
+  FolderReader reader(target, name.c_str());
+  // Before the folder is read: a change while it is read shows the next time.
+  const std::optional<struct stat> status = reader.status();
+  const std::optional<std::int64_t> photos = countPhotos(reader);
+  if (!photos || !status) return {{photos.value_or(0)}, false, true};
+  return {{*photos, *status, isSettled(*status, now)}, true, true};
 }
 
 PhotoCounts FolderScan::scan(const std::string& targetDir, system_clock::time_point now) {
@@ -66,29 +106,20 @@ PhotoCounts FolderScan::scan(const std::string& targetDir, system_clock::time_po
   _known.clear();
   _foldersRead = 0;
 
-  FolderReader target(targetDir);
+  const FolderReader target(targetDir);
+  const std::vector<std::string> names = foldersIn(targetDir);
+  std::vector<Visit> visits(names.size());
+  onTwoThreads(names.size(), [&](std::size_t i) { visits[i] = visit(target, names[i], before, now); });
+
   std::vector<PhotoCounts::Folder> folders;
-  while (const dirent* entry = target.next()) {
-    if (!target.isFolder(*entry)) continue;
-    PhotoCounts::Folder& folder = folders.emplace_back(PhotoCounts::Folder{entry->d_name});
-    const auto known = before.find(folder.name);
-    if (known != before.end() && known->second.settled) {
-      const std::optional<struct stat> status = target.status(entry->d_name);
-      if (status && isUnchanged(known->second.status, *status)) {
-        folder.photos = known->second.photos;
-        _known.insert(*known);
-        continue;
-      }
-    }
-    ++_foldersRead;
-    FolderReader reader(target, entry->d_name);
-    // Before the folder is read: a change while it is read shows the next time.
-    const std::optional<struct stat> status = reader.status();
-    const std::optional<std::int64_t> photos = countPhotos(reader);
-    folder.photos = photos.value_or(0);
-    if (photos && status) _known[folder.name] = {*photos, *status, isSettled(*status, now)};
+  folders.reserve(names.size());
+  _known.reserve(names.size());
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    folders.push_back({names[i], visits[i].folder.photos});
+    if (visits[i].isKnown) _known.emplace(names[i], visits[i].folder);
+    if (visits[i].wasRead) ++_foldersRead;
   }
-  return target.failed() ? PhotoCounts() : PhotoCounts(std::move(folders));
+  return PhotoCounts(std::move(folders));
 }
 
 }  // namespace ambrel

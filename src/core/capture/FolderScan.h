@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <unordered_map>
 
+#include "core/base/FolderReader.h"
 #include "core/capture/PhotoCounts.h"
 
 namespace ambrel {
@@ -36,6 +37,14 @@ class FolderScan {
     bool settled = false;
   };
   using KnownFolders = std::unordered_map<std::string, Known>;
+  struct Visit {
+    Known folder;
+    bool isKnown = false;
+    bool wasRead = false;
+  };
+
+  static Visit visit(const FolderReader& target, const std::string& name, const KnownFolders& before,
+                     std::chrono::system_clock::time_point now);
 
   std::string _targetDir;
   KnownFolders _known;

@@ -105,6 +105,23 @@ TEST_F(FolderScanTest, NoticesAnotherFolderOfTheSameName) {
   EXPECT_EQ(scannedMuchLater(), (Folders{{"Ann", 2}, {"Cat", 1}}));
 }
 
+TEST_F(FolderScanTest, GivesEachOfManyFoldersItsOwnCountAndReadsItOnce) {
+  constexpr int kMany = 1000;
+  for (int i = 0; i < kMany; ++i) {
+    const std::string folder = "Person " + std::to_string(i);
+    std::filesystem::create_directory(inTarget(folder));
+    for (int photo = 0; photo < i % 4; ++photo)
+      makeFile(folder + '/' + std::to_string(photo) + ".jpg");
+  }
+  const Folders found = scannedMuchLater();
+  ASSERT_EQ(found.size(), std::size_t{kMany});
+  for (const PhotoCounts::Folder& folder : found)
+    EXPECT_EQ(folder.photos, std::stoi(folder.name.substr(7)) % 4) << folder.name;
+  EXPECT_EQ(scan.foldersRead(), std::size_t{kMany});
+  EXPECT_EQ(scannedMuchLater(), found);
+  EXPECT_EQ(scan.foldersRead(), 0U);
+}
+
 TEST_F(FolderScanTest, RemembersNothingOfAnotherTargetFolder) {
   makeFile("Ann/1.jpg");
   makeFile("../Other/Ann/1.jpg");
