@@ -1,6 +1,11 @@
 # SPDX-License-Identifier: Apache-2.0
-# Programs stand in one folder layout on every platform: <bundle>/Contents/MacOS beside Frameworks and Resources.
-set(AMBREL_BUNDLE_DIR ${CMAKE_BINARY_DIR}/bundle)
+# Programs stand in one folder layout on every platform: <bundle>/Contents/MacOS beside Frameworks and Resources. On
+# macOS that is an application bundle.
+if(APPLE)
+  set(AMBREL_BUNDLE_DIR "${CMAKE_BINARY_DIR}/Ambrel Photo Tether.app")
+else()
+  set(AMBREL_BUNDLE_DIR ${CMAKE_BINARY_DIR}/bundle)
+endif()
 set(AMBREL_PROGRAM_DIR ${AMBREL_BUNDLE_DIR}/Contents/MacOS)
 
 function(ambrel_add_program name)
