@@ -31,6 +31,8 @@ WindowSession::WindowSession() : locations(Locations::below(folder.filePath(QStr
 
 WindowSession::~WindowSession() {
   app->applicationWillTerminate();
+  // Only a running event loop would delete what is to go later.
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 bool WindowSession::waitUntil(const std::function<bool()>& done) {
