@@ -14,6 +14,13 @@ std::chrono::milliseconds timeLeft(const QDeadlineTimer& deadline) {
   return std::chrono::milliseconds(deadline.remainingTime());
 }
 
+// A worker that not even a kill has ended yet. Destroying it would wait for that; it stays until the
+// application ends.
+void leaveBehind(std::unique_ptr<RunningWorker> worker) {
+  static auto* const left = new std::vector<std::unique_ptr<RunningWorker>>;
+  left->push_back(std::move(worker));
+}
+
 }  // namespace
 
 ProcessLink::ProcessLink() {
@@ -33,8 +40,7 @@ ProcessLink::~ProcessLink() {
     if (!worker->waitForEnd(timeLeft(grace))) worker->kill();
   const QDeadlineTimer killGrace(kKillGrace);
   for (auto& worker : _workers) {
-    // Destroying it would wait on.
-    if (!worker->waitForEnd(timeLeft(killGrace))) static_cast<void>(worker.release());
+    if (!worker->waitForEnd(timeLeft(killGrace))) leaveBehind(std::move(worker));
   }
 }
 

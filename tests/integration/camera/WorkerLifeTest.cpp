@@ -13,6 +13,10 @@ using std::chrono::seconds;
 
 class WorkerLife : public WorkerSession {
  protected:
+  // A temporary folder of its own: every worker that starts removes what killed ones left in it.
+  WorkerLife() { setenv("TMPDIR", _temporary.path().c_str(), 1); }
+  ~WorkerLife() override { unsetenv("TMPDIR"); }
+
   // Home folders in the temporary folder that belong to the worker with this process id.
   static int homesOf(pid_t pid) {
     const std::string prefix = "ambrel-worker-" + std::to_string(pid) + "-";
@@ -22,6 +26,9 @@ class WorkerLife : public WorkerSession {
     }
     return homes;
   }
+
+ private:
+  const test::TemporaryFolder _temporary;
 };
 
 TEST_F(WorkerLife, AnnouncesItselfAndItsLibrary) {
