@@ -2,12 +2,15 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 #include <QUrl>
 #include <cstdio>
+#include <memory>
 
 #include "core/app/AmbrelAppDelegate.h"
 #include "core/app/CommandLine.h"
+#include "core/base/EventLoopGaps.h"
 #include "core/base/PosixFiles.h"
 #include "core/base/SystemClock.h"
 #include "core/platform/FileManager.h"
@@ -24,6 +27,27 @@ using namespace ambrel;
 namespace {
 
 constexpr int kUsageError = 2;
+
+// For measuring: where the environment names a file, the gaps of the main thread's event loop are written to
+// it at the end.
+class GapsOnRequest {
+ public:
+  GapsOnRequest() : _path(qEnvironmentVariable("AMBREL_HEARTBEAT")) {
+    if (!_path.isEmpty()) _gaps = std::make_unique<EventLoopGaps>();
+  }
+  ~GapsOnRequest() {
+    QFile file(_path);
+    if (!_gaps || (file.open(QIODevice::WriteOnly) && file.write(_gaps->report().toUtf8()) >= 0)) return;
+    std::fprintf(stderr, "%s: %s\n", _path.toLocal8Bit().constData(),
+                 file.errorString().toLocal8Bit().constData());
+  }
+  GapsOnRequest(const GapsOnRequest&) = delete;
+  GapsOnRequest& operator=(const GapsOnRequest&) = delete;
+
+ private:
+  const QString _path;
+  std::unique_ptr<EventLoopGaps> _gaps;
+};
 
 // The application on `locations` until it is quit; `launched` is called once the launch has begun.
 int runApplication(QApplication& application, const Bundle& bundle, SystemClock& clock,
@@ -56,6 +80,7 @@ int runApplication(QApplication& application, const Bundle& bundle, SystemClock&
   application.setQuitOnLastWindowClosed(delegate.applicationShouldTerminateAfterLastWindowClosed());
   delegate.applicationDidFinishLaunching(window);
   launched(delegate, window);
+  const GapsOnRequest gaps;
   return QApplication::exec();
 }
 

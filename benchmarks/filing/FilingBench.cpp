@@ -11,10 +11,9 @@
 #include <vector>
 
 #include "core/base/PosixFiles.h"
-#include "core/capture/CaptureSettings.h"
 #include "core/capture/FileNames.h"
 #include "core/capture/NumberedFolder.h"
-#include "core/capture/PhotoFiler.h"
+#include "support/FilingSession.h"
 #include "support/Goals.h"
 
 namespace ambrel::bench {
@@ -65,18 +64,10 @@ void runRound(const FileAll& fileAll) {
 }
 
 void throughTheSerialThread(const Downloads& downloads, const QString& target) {
-  PosixFiles files;
-  CaptureSettings settings;
-  settings.setTargetDir(target);
-  PhotoFiler filer(files, {.targetDir = [&] { return settings.targetDir(); },
-                           .selectedQueueItemName = [] { return std::string("Bob"); },
-                           .enabledSuffixString = [] { return QString(); },
-                           .captureRow = [] { return 0; },
-                           .counter = [&] { return settings.counter(); },
-                           .advanceCounterPast = [&](qint64 used) { settings.advanceCounterPast(used); }});
+  FilingSession session(target);
   for (const QString& path : downloads)
-    filer.handleDownloadedPath(path);
-  require(filer.finishQueued(std::chrono::minutes(10)), "not filed in time");
+    session.filer.handleDownloadedPath(path);
+  require(session.filer.finishQueued(std::chrono::minutes(10)), "not filed in time");
 }
 
 void withOurFileSystemWork(const QString& download, const QString& target, qint64& number) {

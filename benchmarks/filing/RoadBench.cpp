@@ -8,10 +8,10 @@
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QTimer>
 #include <optional>
 
 #include "core/app/AmbrelAppDelegate.h"
+#include "core/base/EventLoopGaps.h"
 #include "core/base/PosixFiles.h"
 #include "core/base/SystemClock.h"
 #include "core/worker/ProcessLink.h"
@@ -199,20 +199,11 @@ void measureSingles(Session& session, SimulatedCamera& camera, bench::Goals& goa
 }
 
 void measureBurst(Session& session, SimulatedCamera& camera, bench::Goals& goals) {
-  QTimer heartbeat;
-  QElapsedTimer sinceBeat;
-  double longest = 0;
-  QObject::connect(&heartbeat, &QTimer::timeout, &heartbeat, [&] {
-    longest = std::max(longest, static_cast<double>(sinceBeat.nsecsElapsed()) / 1e6);
-    sinceBeat.start();
-  });
-  heartbeat.setTimerType(Qt::PreciseTimer);
   const qsizetype before = session.filed.size();
   shoot(camera, kBurst);
-  sinceBeat.start();
-  heartbeat.start(1);
+  const EventLoopGaps gaps;
   serveUntil([&] { return session.filed.size() >= before + kBurst; }, "the burst was not filed");
-  heartbeat.stop();
+  const double longest = gaps.longestGapMs();
   for (qsizetype i = 0; i < session.filed.size(); ++i) {
     const QString number = QStringLiteral("_%1.JPG").arg(i + 1, 4, 10, QLatin1Char('0'));
     bench::require(session.filed[i].endsWith(number), "the numbers are not consecutive");

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -51,35 +52,108 @@ inline void require(bool done, const char* what) {
   std::exit(2);
 }
 
-// Prints each measurement beside its peer, and remembers whether all goals were met.
+// A measured value: one number, or the median of several with their spread.
+struct Sample {
+  Sample(double value) : middle(value) {}    // NOLINT(google-explicit-constructor)
+  Sample(const std::vector<double>& values)  // NOLINT(google-explicit-constructor)
+      : middle(median(values)), spread((percentile(values, 75) - percentile(values, 25)) / 2 / middle) {}
+
+  double middle;
+  double spread = 0;  // half of what the middle half of the values covers, as a part of the median
+};
+
+// Prints each measurement beside its peer, and remembers whether all goals were met. Where the environment
+// variable AMBREL_BENCH_RESULTS names a file, one JSON object for each is added to it.
 class Goals {
  public:
   // `ours` is to be at most `most` times `peer`.
-  void atMostTimes(const std::string& what, double ours, const std::string& peerName, double peer,
-                   double most, const char* unit = "ms") {
-    const double ratio = ours / peer;
-    std::printf("%-44s ours %10.2f %s   %s %10.2f %s   ratio %5.2f   goal <= %.2f%s\n", what.c_str(), ours,
-                unit, peerName.c_str(), peer, unit, ratio, most, verdict(ratio <= most));
+  void atMostTimes(const std::string& what, const Sample& ours, const std::string& peerName,
+                   const Sample& peer, double most, const char* unit = "ms") {
+    const double ratio = ours.middle / peer.middle;
+    std::printf("%-44s ours %10.2f %s%s   %s %10.2f %s%s   ratio %5.2f   goal <= %.2f%s\n", what.c_str(),
+                ours.middle, unit, spreadOf(ours).c_str(), peerName.c_str(), peer.middle, unit,
+                spreadOf(peer).c_str(), ratio, most, verdict(ratio <= most));
+    record({.what = what,
+            .ours = ours,
+            .unit = unit,
+            .peerName = peerName,
+            .peer = peer,
+            .figure = ratio,
+            .goal = most,
+            .met = ratio <= most});
   }
   // `ours` is to take at most the `least`-th part of the peer's time.
-  void atLeastTimesFaster(const std::string& what, double ours, const std::string& peerName, double peer,
-                          double least) {
-    const double ratio = peer / ours;
-    std::printf("%-44s ours %10.2f ms   %s %10.2f ms   %.1f times faster   goal >= %.0f%s\n", what.c_str(),
-                ours, peerName.c_str(), peer, ratio, least, verdict(ratio >= least));
+  void atLeastTimesFaster(const std::string& what, const Sample& ours, const std::string& peerName,
+                          const Sample& peer, double least) {
+    const double ratio = peer.middle / ours.middle;
+    std::printf("%-44s ours %10.2f ms%s   %s %10.2f ms%s   %.1f times faster   goal >= %.0f%s\n",
+                what.c_str(), ours.middle, spreadOf(ours).c_str(), peerName.c_str(), peer.middle,
+                spreadOf(peer).c_str(), ratio, least, verdict(ratio >= least));
+    record({.what = what,
+            .ours = ours,
+            .unit = "ms",
+            .peerName = peerName,
+            .peer = peer,
+            .figure = 1 / ratio,
+            .goal = 1 / least,
+            .met = ratio >= least});
   }
   // `ours` is to be at most `most`.
-  void atMost(const std::string& what, double ours, double most, const char* unit = "ms") {
-    std::printf("%-44s ours %10.2f %s   goal <= %.2f %s%s\n", what.c_str(), ours, unit, most, unit,
-                verdict(ours <= most));
+  void atMost(const std::string& what, const Sample& ours, double most, const char* unit = "ms") {
+    std::printf("%-44s ours %10.2f %s%s   goal <= %.2f %s%s\n", what.c_str(), ours.middle, unit,
+                spreadOf(ours).c_str(), most, unit, verdict(ours.middle <= most));
+    record({.what = what,
+            .ours = ours,
+            .unit = unit,
+            .figure = ours.middle,
+            .goal = most,
+            .met = ours.middle <= most});
   }
   // A peer that no goal is set against.
-  void mention(const std::string& what, double value, const char* unit = "ms") {
-    std::printf("%-44s      %10.2f %s\n", what.c_str(), value, unit);
+  void mention(const std::string& what, const Sample& value, const char* unit = "ms") {
+    std::printf("%-44s      %10.2f %s%s\n", what.c_str(), value.middle, unit, spreadOf(value).c_str());
+    record({.what = what, .ours = value, .unit = unit, .figure = value.middle});
   }
   int exitCode() const { return _missed ? 1 : 0; }
 
  private:
+  struct Record {
+    const std::string& what;
+    const Sample& ours;
+    const char* unit;
+    std::string peerName = {};
+    Sample peer = 0.0;
+    double figure;  // what is held against the goal: the smaller, the better
+    double goal = 0;
+    bool met = true;
+  };
+
+  static std::string spreadOf(const Sample& sample) {
+    if (sample.spread == 0) return {};
+    char text[32];
+    std::snprintf(text, sizeof text, " (+-%.0f %%)", sample.spread * 100);
+    return text;
+  }
+
+  static void record(const Record& record) {
+    const char* path = std::getenv("AMBREL_BENCH_RESULTS");
+    std::FILE* file = path ? std::fopen(path, "a") : nullptr;
+    if (!file) {
+      require(!path, "its results cannot be written");
+      return;
+    }
+    // Names are ours, and hold neither quotes nor backslashes.
+    std::fprintf(
+        file,
+        R"({"program": "%s", "what": "%s", "unit": "%s", "ours": %.6g, "spread": %.3g, "peer_name": "%s", )"
+        R"("peer": %.6g, "figure": %.6g, "goal": %.6g, "met": %s})"
+        "\n",
+        program_invocation_short_name, record.what.c_str(), record.unit, record.ours.middle,
+        record.ours.spread, record.peerName.c_str(), record.peer.middle, record.figure, record.goal,
+        record.met ? "true" : "false");
+    std::fclose(file);
+  }
+
   const char* verdict(bool met) {
     _missed |= !met;
     return met ? "" : "   MISSED";
