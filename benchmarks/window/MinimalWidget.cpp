@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-// The least that a program with a window does, to measure ours by: it says when its window is painted.
+// The least that a program with a window does, to measure ours by: it says when its window is painted. With
+// an argument the window shows it as a line of text, for which the toolkit looks at every font that is
+// installed.
 #include <QApplication>
+#include <QPainter>
 #include <QWidget>
 #include <cstdio>
 
@@ -11,7 +14,11 @@ class Widget : public QWidget {
   bool painted = false;
 
  protected:
-  void paintEvent(QPaintEvent*) override { painted = true; }
+  void paintEvent(QPaintEvent*) override {
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() > 1) QPainter(this).drawText(rect(), Qt::AlignCenter, arguments[1]);
+    painted = true;
+  }
 };
 
 }  // namespace
