@@ -90,18 +90,11 @@ void paintShadowFromPatch(QPainter& painter, const QRectF& place, double cornerR
 
 void paintCasterShadow(QPainter& painter, const ShadowCaster& caster, const QRect& place,
                        const QRect& dirty) {
-  if (caster.shadow().opacity <= 0) return;
   const QRegion visible = visibleShadowRegion(place, caster.cornerRadius()) & dirty;
   if (visible.isEmpty()) return;
   painter.save();
   painter.setClipRegion(visible, Qt::IntersectClip);
-  // Shapes in layers are dear on a large card.
-  const int least = 2 * ShadowSpread(caster.cornerRadius(), caster.shadow()).inside;
-  if (place.width() > least && place.height() > least) {
-    paintShadowFromPatch(painter, place, caster.cornerRadius(), caster.shadow());
-  } else {
-    paintShadow(painter, place, caster.cornerRadius(), caster.shadow());
-  }
+  paintShadowAround(painter, place, caster.cornerRadius(), caster.shadow());
   painter.restore();
 }
 
@@ -139,6 +132,17 @@ void paintShadow(QPainter& painter, const QRectF& shape, double cornerRadius, co
     painter.drawRoundedRect(ring, radius, radius);
   }
   painter.restore();
+}
+
+void paintShadowAround(QPainter& painter, const QRectF& shape, double cornerRadius, const Shadow& shadow) {
+  if (shadow.opacity <= 0 || shadow.radius <= 0) return;
+  // Shapes in layers are dear on a large card.
+  const double least = 2 * ShadowSpread(cornerRadius, shadow).inside;
+  if (shape.width() > least && shape.height() > least) {
+    paintShadowFromPatch(painter, shape, cornerRadius, shadow);
+  } else {
+    paintShadow(painter, shape, cornerRadius, shadow);
+  }
 }
 
 void updateShadowOf(QWidget* caster) {

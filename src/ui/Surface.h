@@ -18,6 +18,8 @@ class ShadowCaster {
 
 // Paints the shadow of a rounded rectangle, as smooth at any scale.
 void paintShadow(QPainter& painter, const QRectF& shape, double cornerRadius, const Shadow& shadow);
+// The same for what covers the shape's middle afterwards: for a large shape, far cheaper.
+void paintShadowAround(QPainter& painter, const QRectF& shape, double cornerRadius, const Shadow& shadow);
 // Has the surface below `caster` repaint the places where its shadow can lie.
 void updateShadowOf(QWidget* caster);
 
