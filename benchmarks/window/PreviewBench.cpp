@@ -39,14 +39,6 @@ QImage subject(QSize size) {
   return image;
 }
 
-QString writePhoto(const QString& folder, QSize size) {
-  const QString path = QStringLiteral("%1/%2.jpg").arg(folder).arg(size.width());
-  QImageWriter writer(path, "jpeg");
-  writer.setQuality(92);
-  require(writer.write(subject(size)), "no photo");
-  return path;
-}
-
 QByteArray contents(const QString& path) {
   QFile file(path);
   require(file.open(QIODevice::ReadOnly), "no photo");
@@ -152,6 +144,14 @@ void measureStepping(Goals& goals, const QString& photo, const QString& folder) 
 }
 
 }  // namespace
+
+QString writePhoto(const QString& folder, QSize size) {
+  const QString path = QStringLiteral("%1/%2.jpg").arg(folder).arg(size.width());
+  QImageWriter writer(path, "jpeg");
+  writer.setQuality(92);
+  require(writer.write(subject(size)), "no photo");
+  return path;
+}
 
 void measurePreview(Goals& goals, const QString& folder) {
   ui::allowLargePhotos();

@@ -6,11 +6,13 @@
 #include <QTemporaryDir>
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 
 #include "core/app/AmbrelAppDelegate.h"
 #include "core/base/PosixFiles.h"
 #include "core/base/SystemClock.h"
 #include "core/worker/ProcessLink.h"
+#include "support/EventLoop.h"
 #include "ui/Appearance.h"
 #include "ui/Dialogs.h"
 #include "ui/MainWindow.h"
@@ -22,6 +24,7 @@ namespace {
 constexpr int kRows = 100'000;
 constexpr int kStarts = 15;
 constexpr int kSteps = 600;
+constexpr int kBurst = 300;
 
 // The application's clock with the splash already past.
 class ClockAfterSplash : public SystemClock {
@@ -205,6 +208,46 @@ void measureKeys(Goals& goals, const QString& folder) {
   goals.mention("  median", median(letters));
 }
 
+// Photos as fast as they can be filed, with the window, the preview and the backup at work on them.
+void measureBurst(Goals& goals, const QString& home) {
+  storePeople(home);
+  const QDir root(home);
+  for (const char* name : {"Photos", "Copies", "Downloads"})
+    require(root.mkpath(QLatin1String(name)), "no folders");
+  Preferences preferences(Locations::below(home).preferencesFile);
+  preferences.setLastTargetDir(root.filePath(QStringLiteral("Photos")));
+  preferences.setBackupDir(root.filePath(QStringLiteral("Copies")));
+  preferences.setBackupEnabled(true);
+  preferences.synchronize();
+  const QString photo = writePhoto(home, {1800, 1200});
+  std::vector<QString> downloads;
+  for (int i = 0; i < kBurst; ++i) {
+    downloads.push_back(root.filePath(QStringLiteral("Downloads/IMG_%1.JPG").arg(i)));
+    std::filesystem::create_hard_link(photo.toStdString(), downloads.back().toStdString());
+  }
+  Application app(home);
+  require(runEventsUntil([&] { return app.window.isBuilt() && app.delegate.backup().isEnabled(); }),
+          "no window");
+  const auto photosIn = [&](const char* name) {
+    return QDir(root.filePath(QLatin1String(name)) + QStringLiteral("/Person Number 0"))
+        .entryList(QDir::Files)
+        .size();
+  };
+  // Which of them, all of one age, is the last in the list is left open.
+  const QString all = QStringLiteral("/%1)").arg(kBurst);
+  const Heartbeat heartbeat;
+  for (const QString& path : downloads)
+    app.delegate.photoFiler().handleDownloadedPath(path);
+  const auto allShown = [&] { return app.window.rightPane()->label().endsWith(all); };
+  require(runEventsUntil([&] { return allShown() && app.delegate.backup().state().queued == 0; },
+                         std::chrono::minutes(3)),
+          "the burst did not end");
+  require(photosIn("Photos") == kBurst && photosIn("Copies") == kBurst, "photos are missing");
+  require(app.delegate.list().grid().capturedForModelRow(0) == kBurst, "photos were not counted");
+  goals.atMost("longest gap, 300 photos with preview and backup",
+               static_cast<double>(heartbeat.longestGap().count()), 16);
+}
+
 int run(QApplication& application) {
   const QTemporaryDir folder(QStringLiteral("bench-window-XXXXXX"));
   Goals goals;
@@ -212,6 +255,7 @@ int run(QApplication& application) {
   ui::applyApplicationAppearance(application);
   measureKeys(goals, QDir(folder.path()).absolutePath());
   measurePreview(goals, folder.path());
+  measureBurst(goals, QDir(folder.path()).absoluteFilePath(QStringLiteral("burst")));
   return goals.exitCode();
 }
 
