@@ -2,17 +2,21 @@
 #include "window/PreviewBench.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QImage>
 #include <QImageWriter>
+#include <QSet>
 #include <cstdio>
+#include <filesystem>
 #include <jpeglib.h>
 #include <random>
 
+#include "core/base/SystemClock.h"
+#include "core/capture/PreviewList.h"
 #include "support/EventLoop.h"
-#include "ui/ImageLoader.h"
 #include "ui/PhotoDecoder.h"
-#include "ui/PreviewPane.h"
+#include "ui/PreviewPresenter.h"
 #include "unit/ui/SampleDng.h"
 
 namespace ambrel::bench {
@@ -33,14 +37,6 @@ QImage subject(QSize size) {
     }
   }
   return image;
-}
-
-QString writePhoto(const QString& folder, QSize size) {
-  const QString path = QStringLiteral("%1/%2.jpg").arg(folder).arg(size.width());
-  QImageWriter writer(path, "jpeg");
-  writer.setQuality(92);
-  require(writer.write(subject(size)), "no photo");
-  return path;
 }
 
 QByteArray contents(const QString& path) {
@@ -108,40 +104,54 @@ void measureRaw(Goals& goals, const QString& folder) {
   goals.atMost("raw file, embedded preview", median(times), 15);
 }
 
-// Photos asked for as fast as a held key repeats, each shown as it comes.
-void measureStepping(Goals& goals, const QString& path) {
-  constexpr int kRequests = 60;
+// The arrow key held down: photos stepped through as fast as it repeats, each shown as it comes.
+void measureStepping(Goals& goals, const QString& photo, const QString& folder) {
+  constexpr int kPhotos = 60;
+  require(QDir().mkpath(folder), "no folder");
+  for (int i = 0; i < kPhotos; ++i)
+    std::filesystem::create_hard_link(photo.toStdString(),
+                                      QStringLiteral("%1/%2.jpg").arg(folder).arg(i).toStdString());
   ui::PreviewPane pane(nullptr);
   pane.resize(kView + QSize(22, 52));
   pane.show();
-  ui::ImageLoader loader(ui::decodePhoto);
-  const auto linkTo = [&](int photo) { return path + QStringLiteral(".%1.jpg").arg(photo); };
-  for (int photo = 1; photo <= kRequests; ++photo)
-    require(QFile::link(path, linkTo(photo)), "no photo");
-  QString shown;
-  int pictures = 0;
-  QObject::connect(&loader, &ui::ImageLoader::loaded, [&](const QString& photo, const QImage& image) {
-    pane.showPhoto(image, photo);
-    shown = photo;
-    ++pictures;
-  });
+  SystemClock clock;
+  PreviewList list(clock, [folder] { return folder; });
+  const ui::PreviewPresenter presenter(list, pane, ui::decodePhoto);
+  const auto show = [&](const QString& path, int place) {
+    const QString label = QStringLiteral("(%1/%2)").arg(place).arg(kPhotos);
+    list.showPreviewPath(path, PreviewList::ListRefresh::Yes);
+    require(runEventsUntil([&] { return pane.label().endsWith(label); }), "no preview");
+  };
+  list.showPreviewPath(folder + QStringLiteral("/0.jpg"), PreviewList::ListRefresh::Yes);
+  require(runEventsUntil([&] { return list.previewImagePaths().size() == kPhotos; }), "no list");
+  show(list.previewImagePaths().first(), 1);
+  QSet<QString> seen;
+  QObject::connect(&list, &PreviewList::filenameLabelChanged, [&] { seen.insert(list.filenameLabel()); });
   using std::chrono::steady_clock;
   const Heartbeat heartbeat;
-  int asked = 0;
+  const QString last = QStringLiteral("(%1/%1)").arg(kPhotos);
   auto next = steady_clock::now();
-  runEventsUntil([&] {
-    if (asked < kRequests && steady_clock::now() >= next) {
+  const bool arrived = runEventsUntil([&] {
+    if (list.hasNext() && steady_clock::now() >= next) {
       next += std::chrono::milliseconds(33);
-      loader.load(linkTo(++asked), pane.preview()->fit());
+      list.previewNextImage();
     }
-    return shown == linkTo(kRequests);
+    return pane.label().endsWith(last);
   });
-  require(shown == linkTo(kRequests) && pictures > 3, "photos are missing");
-  goals.mention("  photos seen of 60 steps", pictures, "");
+  require(arrived && seen.size() > 3, "photos are missing");
+  goals.mention("  photos seen of 59 steps", static_cast<double>(seen.size()), "");
   goals.atMost("longest gap while stepping, 45 MP", static_cast<double>(heartbeat.longestGap().count()), 16);
 }
 
 }  // namespace
+
+QString writePhoto(const QString& folder, QSize size) {
+  const QString path = QStringLiteral("%1/%2.jpg").arg(folder).arg(size.width());
+  QImageWriter writer(path, "jpeg");
+  writer.setQuality(92);
+  require(writer.write(subject(size)), "no photo");
+  return path;
+}
 
 void measurePreview(Goals& goals, const QString& folder) {
   ui::allowLargePhotos();
@@ -149,7 +159,7 @@ void measurePreview(Goals& goals, const QString& folder) {
   measureJpeg(goals, writePhoto(folder, {6000, 4000}), "JPEG of 24 megapixels");
   measureJpeg(goals, large, "JPEG of 45 megapixels");
   measureRaw(goals, folder);
-  measureStepping(goals, large);
+  measureStepping(goals, large, folder + QStringLiteral("/steps"));
 }
 
 }  // namespace ambrel::bench

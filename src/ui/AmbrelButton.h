@@ -24,6 +24,7 @@ class AmbrelButton : public QAbstractButton, public ShadowCaster {
   void styleButton(const QString& title, const QColor& color, bool enabled);
   // Shows a symbol of `size` points in place of the title, which stays as the accessible name.
   void applySymbol(Symbol symbol, int size, const QColor& tint);
+  bool showsSymbol() const { return _symbol != Symbol::None; }
   // No fill, no shadow: only the title or symbol.
   void setBorderless(bool borderless);
   void setTitlePixelSize(int pixelSize);

@@ -16,7 +16,6 @@ constexpr int kIntercellHeight = 2;
 constexpr double kPillInsetX = 4;
 constexpr double kPillInsetY = 1.5;
 constexpr double kPillCornerRadius = 7;
-constexpr int kHeaderHeight = 28;
 
 }  // namespace
 
@@ -32,7 +31,7 @@ AmbrelTableView::AmbrelTableView(QWidget* parent) : QTableView(parent) {
   verticalHeader()->hide();
   verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
   verticalHeader()->setDefaultSectionSize(layout::kTableRowHeight + kIntercellHeight);
-  horizontalHeader()->setFixedHeight(kHeaderHeight);
+  horizontalHeader()->setFixedHeight(layout::kTableHeaderHeight);
   horizontalHeader()->setHighlightSections(false);
   horizontalHeader()->setFont(systemFont(11, QFont::DemiBold));
   // The pills are painted below the cells; the toolkit's own highlight must not cover them.
@@ -87,8 +86,17 @@ bool AmbrelTableView::isRowSelected(int row) const {
 
 void AmbrelTableView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) {
   QTableView::selectionChanged(selected, deselected);
-  viewport()->update();
+  for (const QItemSelection* changed : {&selected, &deselected})
+    for (const QItemSelectionRange& range : *changed)
+      updateRows(range.top(), range.bottom());
   if (!_selectingFromList) Q_EMIT selectionChangedByOperator();
+}
+
+void AmbrelTableView::updateRows(int first, int last) {
+  const int top = rowViewportPosition(first);
+  const int bottom = rowViewportPosition(last) + rowHeight(last);
+  // The pill reaches over the columns' ends.
+  viewport()->update(QRect(0, top, viewport()->width(), bottom - top) & viewport()->rect());
 }
 
 void AmbrelTableView::paintEvent(QPaintEvent* event) {

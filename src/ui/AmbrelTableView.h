@@ -31,6 +31,7 @@ class AmbrelTableView : public QTableView {
   void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
 
  private:
+  void updateRows(int first, int last);
   void paintRowBackgrounds(QPainter& painter, const QRect& dirty) const;
 
   QColor _ambrelSelectionColor;

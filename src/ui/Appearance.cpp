@@ -11,7 +11,7 @@ namespace {
 QStringList systemFontFamilies() {
   const QString inter = QStringLiteral("Inter");
   const QString platform = QFontDatabase::systemFont(QFontDatabase::GeneralFont).family();
-  const QString text = QFontDatabase::families().contains(inter) ? inter : platform;
+  const QString text = QFontDatabase::hasFamily(inter) ? inter : platform;
   return {text, QStringLiteral("Noto Color Emoji")};
 }
 

@@ -2,13 +2,59 @@
 #include "ui/HeicDecoder.h"
 
 #include <QFile>
+#include <QLibrary>
 #include <libheif/heif.h>
 #include <memory>
+#include <optional>
+#include <type_traits>
 
 #include "ui/PhotoScaling.h"
 
 namespace ambrel::ui {
 namespace {
+
+constexpr int kLibraryVersion = 1;  // of its binary interface
+
+// The functions used of libheif. It is loaded with the first photo that needs it: the codecs that it brings
+// with it take longer to be loaded than the window takes to be painted.
+struct Heif {
+  decltype(&heif_context_alloc) context_alloc = nullptr;
+  decltype(&heif_context_free) context_free = nullptr;
+  decltype(&heif_context_read_from_file) context_read_from_file = nullptr;
+  decltype(&heif_context_get_primary_image_handle) context_get_primary_image_handle = nullptr;
+  decltype(&heif_image_handle_release) image_handle_release = nullptr;
+  decltype(&heif_image_handle_get_width) image_handle_get_width = nullptr;
+  decltype(&heif_image_handle_get_height) image_handle_get_height = nullptr;
+  decltype(&heif_decode_image) decode_image = nullptr;
+  decltype(&heif_image_release) image_release = nullptr;
+  decltype(&heif_image_get_plane_readonly) image_get_plane_readonly = nullptr;
+  decltype(&heif_image_get_width) image_get_width = nullptr;
+  decltype(&heif_image_get_height) image_get_height = nullptr;
+};
+
+// None where the library is missing or lacks one of them.
+std::optional<Heif> loadHeif() {
+  QLibrary library(QStringLiteral("heif"), kLibraryVersion);
+  Heif heif;
+  bool whole = true;
+  const auto find = [&](auto& function, const char* name) {
+    function = reinterpret_cast<std::remove_reference_t<decltype(function)>>(library.resolve(name));
+    whole = whole && function != nullptr;
+  };
+  find(heif.context_alloc, "heif_context_alloc");
+  find(heif.context_free, "heif_context_free");
+  find(heif.context_read_from_file, "heif_context_read_from_file");
+  find(heif.context_get_primary_image_handle, "heif_context_get_primary_image_handle");
+  find(heif.image_handle_release, "heif_image_handle_release");
+  find(heif.image_handle_get_width, "heif_image_handle_get_width");
+  find(heif.image_handle_get_height, "heif_image_handle_get_height");
+  find(heif.decode_image, "heif_decode_image");
+  find(heif.image_release, "heif_image_release");
+  find(heif.image_get_plane_readonly, "heif_image_get_plane_readonly");
+  find(heif.image_get_width, "heif_image_get_width");
+  find(heif.image_get_height, "heif_image_get_height");
+  return whole ? std::optional(heif) : std::nullopt;
+}
 
 using Context = std::unique_ptr<heif_context, decltype(&heif_context_free)>;
 using Handle = std::unique_ptr<heif_image_handle, decltype(&heif_image_handle_release)>;
@@ -21,27 +67,30 @@ Failure failureOf(const heif_error& error) {
 }  // namespace
 
 Result<QImage> decodeHeic(const QString& path, QSize fit) {
-  const Context context(heif_context_alloc(), &heif_context_free);
-  heif_error error = heif_context_read_from_file(context.get(), QFile::encodeName(path).constData(), nullptr);
+  const std::optional<Heif> heif = loadHeif();
+  if (!heif) return Failure{QStringLiteral("HEIC files cannot be shown: libheif is not installed.")};
+  const Context context(heif->context_alloc(), heif->context_free);
+  heif_error error =
+      heif->context_read_from_file(context.get(), QFile::encodeName(path).constData(), nullptr);
   if (error.code != heif_error_Ok) return failureOf(error);
 
   heif_image_handle* found = nullptr;
-  error = heif_context_get_primary_image_handle(context.get(), &found);
+  error = heif->context_get_primary_image_handle(context.get(), &found);
   if (error.code != heif_error_Ok) return failureOf(error);
-  const Handle handle(found, &heif_image_handle_release);
-  const QSize full(heif_image_handle_get_width(handle.get()), heif_image_handle_get_height(handle.get()));
+  const Handle handle(found, heif->image_handle_release);
+  const QSize full(heif->image_handle_get_width(handle.get()), heif->image_handle_get_height(handle.get()));
   if (!fitsIntoMemory(full)) return Failure{QStringLiteral("The picture is too large to be shown.")};
 
   heif_image* decoded = nullptr;
   // The library turns the picture upright itself.
   error =
-      heif_decode_image(handle.get(), &decoded, heif_colorspace_RGB, heif_chroma_interleaved_RGBA, nullptr);
+      heif->decode_image(handle.get(), &decoded, heif_colorspace_RGB, heif_chroma_interleaved_RGBA, nullptr);
   if (error.code != heif_error_Ok) return failureOf(error);
-  const Picture picture(decoded, &heif_image_release);
+  const Picture picture(decoded, heif->image_release);
   int stride = 0;
-  const uint8_t* pixels = heif_image_get_plane_readonly(picture.get(), heif_channel_interleaved, &stride);
-  const QSize size(heif_image_get_width(picture.get(), heif_channel_interleaved),
-                   heif_image_get_height(picture.get(), heif_channel_interleaved));
+  const uint8_t* pixels = heif->image_get_plane_readonly(picture.get(), heif_channel_interleaved, &stride);
+  const QSize size(heif->image_get_width(picture.get(), heif_channel_interleaved),
+                   heif->image_get_height(picture.get(), heif_channel_interleaved));
   if (!pixels || size.isEmpty()) return Failure{QStringLiteral("The HEIC file holds no picture.")};
   const QImage whole(pixels, size.width(), size.height(), stride, QImage::Format_RGBA8888);
   return whole.scaled(shrunkInto(size, fit), Qt::IgnoreAspectRatio, Qt::SmoothTransformation)

@@ -175,6 +175,9 @@ void MainWindow::applyAppearance() {
 void MainWindow::showWindow() {
   layoutUI();
   show();
+  // The toolkit asks for one more painting of every control of a window just made. Heard now it falls into
+  // the first one; heard later, everything would be painted twice.
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateLater);
   raise();
   activateWindow();
   // No field is being edited at first.

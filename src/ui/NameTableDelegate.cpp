@@ -3,6 +3,9 @@
 
 #include <QLineEdit>
 #include <QPainter>
+#include <QPixmapCache>
+#include <QTextLayout>
+#include <QTextOption>
 
 #include "ui/Appearance.h"
 #include "ui/NameTableModel.h"
@@ -11,6 +14,48 @@ namespace ambrel::ui {
 namespace {
 
 constexpr int kCellMargin = 8;
+
+// Shapes the line once, although it has to be measured before it is drawn.
+void paintLine(QPainter& painter, const QRect& place, Qt::Alignment alignment, const QString& line) {
+  QTextLayout layout(line, painter.font());
+  QTextOption option(alignment & Qt::AlignHorizontal_Mask);
+  option.setWrapMode(QTextOption::NoWrap);
+  option.setTextDirection(painter.layoutDirection());
+  layout.setTextOption(option);
+  layout.beginLayout();
+  QTextLine shaped = layout.createLine();
+  shaped.setLineWidth(place.width());
+  layout.endLayout();
+  if (shaped.naturalTextWidth() <= place.width()) {
+    layout.draw(&painter, QPointF(place.left(), place.top() + (place.height() - shaped.height()) / 2));
+  } else {
+    const QString shown = painter.fontMetrics().elidedText(line, Qt::ElideRight, place.width());
+    painter.drawText(place, static_cast<int>(alignment) | Qt::TextSingleLine, shown);
+  }
+}
+
+// The glyphs of the markers are pictures in the font, which would be decompressed for every row anew.
+void paintGlyphs(QPainter& painter, const QRect& place, const QString& glyphs) {
+  const double scale = painter.deviceTransform().m11();
+  const QString key = QStringLiteral("ambrel-glyphs %1 %2 %3x%4 %5")
+                          .arg(glyphs, painter.font().key())
+                          .arg(place.width())
+                          .arg(place.height())
+                          .arg(scale);
+  QPixmap picture;
+  if (!QPixmapCache::find(key, &picture)) {
+    picture = QPixmap((QSizeF(place.size()) * scale).toSize());
+    picture.setDevicePixelRatio(scale);
+    picture.fill(Qt::transparent);
+    QPainter inside(&picture);
+    inside.setFont(painter.font());
+    inside.setPen(painter.pen());
+    inside.drawText(QRect(QPoint(), place.size()), Qt::AlignCenter | Qt::TextSingleLine, glyphs);
+    inside.end();
+    QPixmapCache::insert(key, picture);
+  }
+  painter.drawPixmap(place.topLeft(), picture);
+}
 
 }  // namespace
 
@@ -21,17 +66,26 @@ void NameTableDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opt
   const QString text = index.data().toString();
   if (text.isEmpty()) return;
   const NameCellLook look = model->look(index, option.state.testFlag(QStyle::State_Selected));
-  const QFont font = systemFont(look.pixelSize, look.weight);
   const bool centred = look.alignment.testFlag(Qt::AlignHCenter);
   const int margin = centred ? 2 : kCellMargin;
   const QRect place = option.rect.adjusted(margin, 0, -margin, 0);
+  const bool glyphs = index.column() == static_cast<int>(NameColumn::Marker);
   painter->save();
-  painter->setFont(font);
+  painter->setFont(fontOf(look));
   painter->setPen(look.color);
-  const QString line = QString(text).replace(QLatin1Char('\n'), QLatin1Char(' '));
-  const QString shown = QFontMetrics(font).elidedText(line, Qt::ElideRight, place.width());
-  painter->drawText(place, static_cast<int>(look.alignment) | Qt::TextSingleLine, shown);
+  if (glyphs) {
+    paintGlyphs(*painter, place, text);
+  } else {
+    paintLine(*painter, place, look.alignment, QString(text).replace(QLatin1Char('\n'), QLatin1Char(' ')));
+  }
   painter->restore();
+}
+
+const QFont& NameTableDelegate::fontOf(const NameCellLook& look) const {
+  const auto key = std::make_pair(look.pixelSize, look.weight);
+  const auto known = _fonts.find(key);
+  return known != _fonts.end() ? known->second
+                               : _fonts.emplace(key, systemFont(look.pixelSize, look.weight)).first->second;
 }
 
 QWidget* NameTableDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&,

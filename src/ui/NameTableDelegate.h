@@ -2,6 +2,10 @@
 #pragma once
 
 #include <QStyledItemDelegate>
+#include <map>
+#include <utility>
+
+#include "ui/NameCells.h"
 
 namespace ambrel::ui {
 
@@ -18,6 +22,12 @@ class NameTableDelegate : public QStyledItemDelegate {
   void setEditorData(QWidget* editor, const QModelIndex& index) const override;
   void updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
                             const QModelIndex& index) const override;
+
+ private:
+  // Kept, because a font finds its glyphs anew whenever it is made.
+  const QFont& fontOf(const NameCellLook& look) const;
+
+  mutable std::map<std::pair<int, QFont::Weight>, QFont> _fonts;
 };
 
 }  // namespace ambrel::ui

@@ -2,6 +2,7 @@
 #include "ui/NameTableModel.h"
 
 #include "ui/Appearance.h"
+#include "ui/WindowLayout.h"
 
 namespace ambrel::ui {
 
@@ -65,6 +66,9 @@ QVariant NameTableModel::headerData(int section, Qt::Orientation orientation, in
       return column == NameColumn::Name ? _nameColumnTitle : nameColumnHeader(column);
     case Qt::ToolTipRole:
       return nameColumnToolTip(column);
+    case Qt::SizeHintRole:
+      // The columns have widths of their own; measuring the flag would take longer than painting rows.
+      return QSize(0, layout::kTableHeaderHeight);
     case Qt::TextAlignmentRole:
       return static_cast<int>(column == NameColumn::Marker ? Qt::AlignCenter
                                                            : Qt::AlignLeft | Qt::AlignVCenter);
@@ -109,6 +113,8 @@ void NameTableModel::updateNameColumnCount() {
 }
 
 void NameTableModel::setNameColumnTitle(const QString& title) {
+  // The header lays itself out again whenever it is told of a change.
+  if (title == _nameColumnTitle) return;
   _nameColumnTitle = title;
   const int column = static_cast<int>(NameColumn::Name);
   Q_EMIT headerDataChanged(Qt::Horizontal, column, column);

@@ -6,11 +6,13 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QPushButton>
+#include <QSplitter>
 #include <QStyle>
 
 namespace ambrel::ui {
 namespace {
 
+constexpr int kPlacesWidth = 150;
 constexpr QSize kChooserSize{780, 500};
 
 QString defaultTitle(PathRequest::Kind kind) {
@@ -53,6 +55,8 @@ PathChooser::PathChooser(const PathRequest& request, QWidget* parent)
   }
   if (request.kind != PathRequest::Kind::OpenFolder) setNameFilter(nameFilter(request.extensions));
   resize(kChooserSize);
+  // The places beside the list are cut off at the toolkit's own width.
+  if (auto* splitter = findChild<QSplitter*>()) splitter->setSizes({kPlacesWidth, width() - kPlacesWidth});
   styleCancelButton();
   if (!request.button.isEmpty()) setLabelText(QFileDialog::Accept, request.button);
 }

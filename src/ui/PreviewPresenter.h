@@ -15,11 +15,14 @@ class PreviewPresenter : public QObject {
 
  private:
   void load(const QString& path);
+  void loadAgain();
   void photoLoaded(const QString& path, const QImage& photo);
+  void photoFailed(const QString& path);
   void updateControls();
 
   PreviewList& _list;
   PreviewPane& _pane;
+  QString _loading;  // asked of the loader last, empty once it has answered
   ImageLoader _loader;
 };
 

@@ -15,7 +15,8 @@ namespace {
 
 constexpr int kArrowHeight = 9;
 constexpr int kArrowHalfWidth = 10;
-constexpr int kMargin = 8;
+// Room for the shadow, which lies on the panes below: the bubble paints it itself.
+constexpr int kShadowRoom = 14;
 constexpr double kCornerRadius = 12;
 constexpr Shadow kShadow{0.22, 11, {0, 3}};
 
@@ -44,7 +45,6 @@ SettingsPopover::SettingsPopover(const CaptureSettings& settings, Tags& tags, QW
       _suffixManageButton(new AmbrelButton(this)),
       _resetButton(new AmbrelButton(this)) {
   setFill(Qt::transparent);
-  setOutline(kCornerRadius, {}, kShadow);
   setFocusPolicy(Qt::ClickFocus);
   // A press on a label of the bubble is not a press outside.
   setAttribute(Qt::WA_NoMousePropagation);
@@ -141,19 +141,22 @@ void SettingsPopover::toggleSettingsPopover(QWidget* anchor) {
 
 void SettingsPopover::follow() {
   if (!_anchor) return;
-  const QSize content = layout::kSettingsSize;
-  resize(content + QSize(0, kArrowHeight));
+  resize(layout::kSettingsSize + QSize(2 * kShadowRoom, kArrowHeight + kShadowRoom));
   const QPoint below = _anchor->mapTo(parentWidget(), QPoint(_anchor->width() / 2, _anchor->height()));
-  const int rightmost = parentWidget()->width() - kMargin - width();
-  move(std::clamp(below.x() - width() / 2, kMargin, std::max(kMargin, rightmost)), below.y() + 2);
+  const int rightmost = parentWidget()->width() - width();
+  move(std::clamp(below.x() - width() / 2, 0, std::max(0, rightmost)), below.y() + 2);
   layoutSettingsContent();
+}
+
+QRect SettingsPopover::body() {
+  return {QPoint(kShadowRoom, kArrowHeight), layout::kSettingsSize};
 }
 
 void SettingsPopover::layoutSettingsContent() {
   const layout::Settings places =
       layout::settings(layout::kSettingsSize, static_cast<int>(_suffixButtons.size()));
   const auto place = [](QWidget* widget, const QRect& rect) {
-    if (widget) widget->setGeometry(rect.translated(0, kArrowHeight));
+    if (widget) widget->setGeometry(rect.translated(body().topLeft()));
   };
   for (std::size_t i = 0; i < _settingsSectionLabels.size(); ++i)
     place(_settingsSectionLabels[i], places.sectionLabels[i]);
@@ -232,18 +235,19 @@ void SettingsPopover::paintEvent(QPaintEvent* event) {
   painter.setRenderHint(QPainter::Antialiasing);
   const Palette palette;
   QPainterPath bubble;
-  const QRectF body = QRectF(rect()).adjusted(0.5, kArrowHeight + 0.5, -0.5, -0.5);
-  bubble.addRoundedRect(body, kCornerRadius, kCornerRadius);
+  const QRectF outline = QRectF(body()).adjusted(0.5, 0.5, -0.5, -0.5);
+  bubble.addRoundedRect(outline, kCornerRadius, kCornerRadius);
   if (_anchor) {
     const double tip = _anchor->mapTo(parentWidget(), QPoint(_anchor->width() / 2, 0)).x() - x();
     QPolygonF arrow;
-    arrow << QPointF(tip - kArrowHalfWidth, body.top()) << QPointF(tip, 1)
-          << QPointF(tip + kArrowHalfWidth, body.top()) << QPointF(tip, body.top() + 4);
+    arrow << QPointF(tip - kArrowHalfWidth, outline.top()) << QPointF(tip, 1)
+          << QPointF(tip + kArrowHalfWidth, outline.top()) << QPointF(tip, outline.top() + 4);
     QPainterPath arrowPath;
     arrowPath.addPolygon(arrow);
     arrowPath.closeSubpath();
     bubble = bubble.united(arrowPath);
   }
+  paintShadowAround(painter, body(), kCornerRadius, kShadow);
   painter.setPen(QPen(palette.softBorderColor().darker(112), 1));
   painter.setBrush(palette.cardBackgroundColor());
   painter.drawPath(bubble);
@@ -257,6 +261,11 @@ void SettingsPopover::keyPressEvent(QKeyEvent* event) {
   } else {
     Surface::keyPressEvent(event);
   }
+}
+
+void SettingsPopover::mousePressEvent(QMouseEvent* event) {
+  // Beside the bubble, in its shadow.
+  if (!body().contains(event->position().toPoint())) hide();
 }
 
 bool SettingsPopover::isOwn(const QObject* object) const {

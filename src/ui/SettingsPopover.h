@@ -42,6 +42,7 @@ class SettingsPopover : public Surface {
  protected:
   void paintEvent(QPaintEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
@@ -56,6 +57,8 @@ class SettingsPopover : public Surface {
   void restyleSuffixButtons();
   void restyleDestinationButtons();
   void layoutSettingsContent();
+  // The bubble without its arrow.
+  static QRect body();
   bool isOwn(const QObject* object) const;
 
   const CaptureSettings& _settings;

@@ -2,6 +2,7 @@
 #include "ui/Surface.h"
 
 #include <QPaintEvent>
+#include <QPixmapCache>
 #include <algorithm>
 #include <cmath>
 
@@ -24,11 +25,67 @@ double shadowStrength(double distance, double radius) {
   return t * t * (3 - 2 * t);
 }
 
+// How far the shadow of a rounded shape reaches from each edge, in whole points.
+struct ShadowSpread {
+  ShadowSpread(double cornerRadius, const Shadow& shadow)
+      : outside(static_cast<int>(std::ceil(shadow.radius))),
+        inside(static_cast<int>(std::ceil(cornerRadius + shadow.radius))) {}
+  int corner() const { return outside + inside; }
+  int outside;
+  int inside;  // until only the edge shapes it, not the corner
+};
+
 // Where the shadow of a caster can be seen: around it and in its four rounded corners, not below it.
 QRegion visibleShadowRegion(const QRect& place, double cornerRadius) {
   const int corner = static_cast<int>(std::ceil(cornerRadius));
   return QRegion(place.adjusted(-kShadowReach, -kShadowReach, kShadowReach, kShadowReach)) -
          place.adjusted(corner, 0, -corner, 0) - place.adjusted(0, corner, 0, -corner);
+}
+
+// The shadow of the smallest shape that has four corners and one point of each edge, in the pixels of
+// `scale`.
+QPixmap shadowPatch(const ShadowSpread& spread, double cornerRadius, const Shadow& shadow, double scale) {
+  const QString key = QStringLiteral("ambrel-shadow %1 %2 %3 %4")
+                          .arg(cornerRadius)
+                          .arg(shadow.radius)
+                          .arg(shadow.opacity)
+                          .arg(scale);
+  QPixmap patch;
+  if (QPixmapCache::find(key, &patch)) return patch;
+  const double side = 2 * spread.corner() + 1;
+  const int pixels = static_cast<int>(std::ceil(side * scale));
+  patch = QPixmap(pixels, pixels);
+  patch.fill(Qt::transparent);
+  QPainter painter(&patch);
+  painter.scale(scale, scale);
+  const double inset = spread.outside;
+  paintShadow(painter, QRectF(0, 0, side, side).adjusted(inset, inset, -inset, -inset), cornerRadius,
+              {shadow.opacity, shadow.radius, {}});
+  painter.end();
+  QPixmapCache::insert(key, patch);
+  return patch;
+}
+
+// Puts the shadow of `place` together from the patch: corners as they are, edges drawn out.
+void paintShadowFromPatch(QPainter& painter, const QRectF& place, double cornerRadius, const Shadow& shadow) {
+  const ShadowSpread spread(cornerRadius, shadow);
+  const double scale = painter.deviceTransform().m11();
+  const QPixmap patch = shadowPatch(spread, cornerRadius, shadow, scale);
+  const double corner = spread.corner();
+  const double from[] = {0, corner, corner + 1, 2 * corner + 1};
+  const QRectF whole = place.translated(shadow.offset)
+                           .adjusted(-spread.outside, -spread.outside, spread.outside, spread.outside);
+  const double x[] = {whole.left(), whole.left() + corner, whole.right() - corner, whole.right()};
+  const double y[] = {whole.top(), whole.top() + corner, whole.bottom() - corner, whole.bottom()};
+  for (std::size_t row = 0; row < 3; ++row) {
+    for (std::size_t column = 0; column < 3; ++column) {
+      if (row == 1 && column == 1) continue;  // below the caster
+      const QRectF source(from[column] * scale, from[row] * scale, (from[column + 1] - from[column]) * scale,
+                          (from[row + 1] - from[row]) * scale);
+      painter.drawPixmap(QRectF(x[column], y[row], x[column + 1] - x[column], y[row + 1] - y[row]), patch,
+                         source);
+    }
+  }
 }
 
 void paintCasterShadow(QPainter& painter, const ShadowCaster& caster, const QRect& place,
@@ -37,7 +94,7 @@ void paintCasterShadow(QPainter& painter, const ShadowCaster& caster, const QRec
   if (visible.isEmpty()) return;
   painter.save();
   painter.setClipRegion(visible, Qt::IntersectClip);
-  paintShadow(painter, place, caster.cornerRadius(), caster.shadow());
+  paintShadowAround(painter, place, caster.cornerRadius(), caster.shadow());
   painter.restore();
 }
 
@@ -75,6 +132,17 @@ void paintShadow(QPainter& painter, const QRectF& shape, double cornerRadius, co
     painter.drawRoundedRect(ring, radius, radius);
   }
   painter.restore();
+}
+
+void paintShadowAround(QPainter& painter, const QRectF& shape, double cornerRadius, const Shadow& shadow) {
+  if (shadow.opacity <= 0 || shadow.radius <= 0) return;
+  // Shapes in layers are dear on a large card.
+  const double least = 2 * ShadowSpread(cornerRadius, shadow).inside;
+  if (shape.width() > least && shape.height() > least) {
+    paintShadowFromPatch(painter, shape, cornerRadius, shadow);
+  } else {
+    paintShadow(painter, shape, cornerRadius, shadow);
+  }
 }
 
 void updateShadowOf(QWidget* caster) {

@@ -16,8 +16,10 @@ class ShadowCaster {
   virtual double cornerRadius() const = 0;
 };
 
-// Paints the shadow of a rounded rectangle in shapes, not pixels, so that it is as smooth at any scale.
+// Paints the shadow of a rounded rectangle, as smooth at any scale.
 void paintShadow(QPainter& painter, const QRectF& shape, double cornerRadius, const Shadow& shadow);
+// The same for what covers the shape's middle afterwards: for a large shape, far cheaper.
+void paintShadowAround(QPainter& painter, const QRectF& shape, double cornerRadius, const Shadow& shadow);
 // Has the surface below `caster` repaint the places where its shadow can lie.
 void updateShadowOf(QWidget* caster);
 
@@ -43,6 +45,9 @@ class Surface : public QWidget, public ShadowCaster {
  protected:
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
+  // It looks the same with the focus as without; the toolkit would paint it and all that stands on it again.
+  void focusInEvent(QFocusEvent*) override {}
+  void focusOutEvent(QFocusEvent*) override {}
 
  private:
   QColor _fill;

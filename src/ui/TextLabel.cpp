@@ -33,8 +33,10 @@ void TextLabel::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.setFont(font());
   painter.setPen(_color);
-  // A message may hold line breaks; the line shows it as one.
-  const QString line = text().simplified();
+  // A message may hold line breaks; the line shows it as one. Blanks stay as they are meant.
+  QString line = text();
+  for (QChar& letter : line)
+    if (letter.isSpace()) letter = QLatin1Char(' ');
   const QString shown = fontMetrics().elidedText(line, _elideMode, width());
   painter.drawText(rect(), static_cast<int>(alignment()) | Qt::TextSingleLine, shown);
 }

@@ -18,6 +18,7 @@ inline constexpr QSize kMinimumContent{760, 650};
 inline constexpr int kLeftPaneMinimum = 330;
 inline constexpr int kRightPaneMinimum = 360;
 inline constexpr int kTableRowHeight = 34;
+inline constexpr int kTableHeaderHeight = 28;
 inline constexpr QSize kDownloadedPill{104, 22};
 
 QRect fromBottom(int containerHeight, int x, int y, int width, int height);

@@ -20,7 +20,11 @@ WindowSession::WindowSession() : locations(Locations::below(folder.filePath(QStr
   // Other tests run workers of their own beside this one: none of them is a stray.
   app = std::make_unique<AmbrelAppDelegate>(
       clock, dialogs, files, link,
-      Surroundings{locations, Bundle(QStringLiteral(AMBREL_BUNDLE)), [](qint64) {}});
+      Surroundings{.locations = locations,
+                   .bundle = Bundle(QStringLiteral(AMBREL_BUNDLE)),
+                   .killStrayWorkers = [](qint64) {},
+                   .releaseHost = ReleaseService::configuredHost(),
+                   .openInBrowser = [this](const QUrl& address) { openedInBrowser << address.toString(); }});
   QObject::connect(app.get(), &AmbrelAppDelegate::watchingConfirmed, app.get(), [this] { watched = true; });
   QObject::connect(&app->photoFiler(), &PhotoFiler::filed, app.get(), [this] { ++filed; });
   window = std::make_unique<ui::MainWindow>(*app);
@@ -36,7 +40,7 @@ WindowSession::~WindowSession() {
 }
 
 bool WindowSession::waitUntil(const std::function<bool()>& done) {
-  return runEventsUntil(done, 15s);
+  return runEventsUntil(done, 60s);
 }
 
 void WindowSession::importNames(const QStringList& lines) {
@@ -56,7 +60,7 @@ void WindowSession::chooseTargetFolder() {
   clickButton(window->settingsPopover(), QStringLiteral("Change…"));
   choosePath(target());
   ASSERT_TRUE(waitUntil([this] { return app->settings().targetDir() == target(); }));
-  hands.key(QStringLiteral("Escape"));
+  closeSettings();
 }
 
 void WindowSession::waitForCamera() {
@@ -75,12 +79,27 @@ void WindowSession::clickRow(int displayRow, NameColumn column, int button) {
 
 void WindowSession::chooseFromRowMenu(int displayRow, ui::RowCommand command) {
   clickRow(displayRow, NameColumn::Name, 3);
-  ASSERT_TRUE(waitUntil([this] { return pane()->table()->rowMenu() != nullptr; }));
-  const QMenu* menu = pane()->table()->rowMenu();
   const std::vector<ui::RowMenuItem> items = ui::rowMenuItems();
-  for (std::size_t i = 0; i < items.size(); ++i)
-    if (items[i].command == command)
-      return hands.click(menu, menu->actionGeometry(menu->actions()[static_cast<int>(i)]).center());
+  for (const ui::RowMenuItem& item : items)
+    if (item.command == command) return chooseFrom([this] { return pane()->table()->rowMenu(); }, item.title);
+}
+
+void WindowSession::chooseFrom(const std::function<const QMenu*()>& menu, const QString& entry) {
+  ASSERT_TRUE(waitUntil([&] { return menu() && menu()->isVisible(); })) << entry.toStdString();
+  for (QAction* action : menu()->actions())
+    if (action->text().replace(QLatin1String("&&"), QLatin1String("&")) == entry)
+      return hands.click(menu(), menu()->actionGeometry(action).center());
+  FAIL() << "no entry " << entry.toStdString();
+}
+
+void WindowSession::chooseFromMenuBar(const QString& menu, const QString& entry) {
+  QMenuBar* bar = window->menuBar();
+  for (QAction* action : bar->actions()) {
+    if (action->text() != menu) continue;
+    hands.click(bar, bar->actionGeometry(action).center());
+    return chooseFrom([&] { return action->menu(); }, entry);
+  }
+  FAIL() << "no menu " << menu.toStdString();
 }
 
 void WindowSession::clickButton(const QWidget* container, const QString& title) {
@@ -93,7 +112,7 @@ void WindowSession::answerDialog(const QString& buttonTitle) {
   ASSERT_TRUE(waitUntil([this] { return dialogs.openDialog() && dialogs.openDialog()->isActiveWindow(); }));
   const QDialog* open = dialogs.openDialog();
   clickButton(open, buttonTitle);
-  ASSERT_TRUE(waitUntil([&] { return dialogs.openDialog() != open; }));
+  waitUntilClosed(open);
 }
 
 void WindowSession::choosePath(const QString& path) {
@@ -105,13 +124,27 @@ void WindowSession::choosePath(const QString& path) {
   hands.click(name);
   hands.key(QStringLiteral("ctrl+a"));
   hands.type(path);
+  ASSERT_TRUE(waitUntil([&] { return name->text() == path; })) << name->text().toStdString();
   hands.key(QStringLiteral("Return"));
-  ASSERT_TRUE(waitUntil([&] { return dialogs.openDialog() != open; }));
+  waitUntilClosed(open);
+}
+
+void WindowSession::waitUntilClosed(const QDialog* dialog) {
+  ASSERT_TRUE(waitUntil([&] { return dialogs.openDialog() != dialog; }));
+  if (dialogs.openDialog()) return;
+  // Keys go to whichever window the server gives them to, and no window manager returns the focus here.
+  window->activateWindow();
+  ASSERT_TRUE(waitUntil([this] { return window->isActiveWindow(); }));
 }
 
 void WindowSession::openSettings() {
   hands.click(window->topPanel()->gearButton());
   ASSERT_TRUE(waitUntil([this] { return window->settingsPopover()->isVisible(); }));
+}
+
+void WindowSession::closeSettings() {
+  hands.key(QStringLiteral("Escape"));
+  ASSERT_TRUE(waitUntil([this] { return !window->settingsPopover()->isVisible(); }));
 }
 
 QPoint WindowSession::middleOf(int displayRow, NameColumn column) const {
@@ -126,11 +159,11 @@ QStringList WindowSession::names() const {
   return all;
 }
 
-QStringList WindowSession::filesBelowTarget() const {
+QStringList WindowSession::filesBelow(const QString& path) {
   QStringList found;
-  QDirIterator walk(target(), QDir::Files, QDirIterator::Subdirectories);
+  QDirIterator walk(path, QDir::Files, QDirIterator::Subdirectories);
   while (walk.hasNext())
-    found << QDir(target()).relativeFilePath(walk.next());
+    found << QDir(path).relativeFilePath(walk.next());
   found.sort();
   return found;
 }

@@ -17,7 +17,7 @@
 namespace ambrel {
 
 // The whole application on a screen: the real window, dialogs, worker, files and clock, a camera on loopback,
-// and hands for keys and mouse.
+// and hands for keys and mouse. Only the browser is not opened.
 class WindowSession {
  public:
   WindowSession();
@@ -34,16 +34,22 @@ class WindowSession {
   void shoot(const std::string& arguments = {});
   void clickRow(int displayRow, ui::NameColumn column = ui::NameColumn::Name, int button = 1);
   void chooseFromRowMenu(int displayRow, ui::RowCommand command);
+  // Clicks the entry of a menu once it is open.
+  void chooseFrom(const std::function<const QMenu*()>& menu, const QString& entry);
+  void chooseFromMenuBar(const QString& menu, const QString& entry);
   void clickButton(const QWidget* container, const QString& title);
   // Waits for a dialog and presses the button with this title.
   void answerDialog(const QString& buttonTitle);
   // Waits for a file chooser and types the path.
   void choosePath(const QString& path);
   void openSettings();
+  void closeSettings();
 
   QPoint middleOf(int displayRow, ui::NameColumn column = ui::NameColumn::Name) const;
   QStringList names() const;
-  QStringList filesBelowTarget() const;
+  // The files in the folder and below it, their paths relative to it, sorted.
+  static QStringList filesBelow(const QString& path);
+  QStringList filesBelowTarget() const { return filesBelow(target()); }
   QString target() const { return folder.filePath(QStringLiteral("Photos")); }
   NameList& list() { return app->list(); }
   ui::ListPane* pane() { return window->leftPane(); }
@@ -60,6 +66,11 @@ class WindowSession {
   std::unique_ptr<ui::MainWindow> window;
   bool watched = false;
   int filed = 0;
+  QStringList openedInBrowser;
+
+ private:
+  // Until it is gone and the keys go to what was behind it.
+  void waitUntilClosed(const QDialog* dialog);
 };
 
 }  // namespace ambrel

@@ -1,18 +1,24 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <QApplication>
 #include <QClipboard>
+#include <QDir>
+#include <QFile>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <gtest/gtest.h>
 
 #include "e2e/WindowSession.h"
 #include "ui/Appearance.h"
+#include "unit/core/update/LoopbackServer.h"
 
 namespace ambrel {
 namespace {
 
 using ui::NameColumn;
 using ui::RowCommand;
+
+// Nobody is asked.
+constexpr const char* kNoReleaseService = "";
 
 QString text(const char* utf8) {
   return QString::fromUtf8(utf8);
@@ -169,6 +175,57 @@ TEST(Window, ResetsTheWorkflowFromTheSettings) {
   EXPECT_EQ(session.app->settings().saveModeIndex(), 0);
 }
 
+TEST(Window, CopiesPhotosToTheBackupFolderChosenInTheSettingsWhileBackupIsOn) {
+  WindowSession session;
+  const QString copies = session.folder.filePath(text("Copies"));
+  ASSERT_TRUE(QDir().mkpath(copies));
+  session.importNames({text("Anna")});
+  session.chooseTargetFolder();
+  session.openSettings();
+  session.clickButton(session.window->settingsPopover(), text("Backup: Off"));
+  session.chooseFrom([&] { return session.window->settingsPopover()->backupMenu(); },
+                     text("Choose Backup Folder…"));
+  session.choosePath(copies);
+  ASSERT_TRUE(session.waitUntil([&] { return session.app->backup().isEnabled(); }));
+  session.closeSettings();
+  session.waitForCamera();
+  session.shoot();
+  const auto copied = [&] { return session.filesBelow(copies).filter(text(".JPG")); };
+  ASSERT_TRUE(session.waitUntil([&] { return copied() == QStringList(text("Anna/Anna_0001.JPG")); }))
+      << copied().join(QLatin1Char('|')).toStdString();
+  QFile photo(session.target() + text("/Anna/Anna_0001.JPG"));
+  QFile copy(copies + text("/Anna/Anna_0001.JPG"));
+  ASSERT_TRUE(photo.open(QIODevice::ReadOnly) && copy.open(QIODevice::ReadOnly));
+  EXPECT_EQ(photo.readAll(), copy.readAll());
+
+  session.chooseFromMenuBar(text("Backup"), text("Backup Copy: On"));
+  ASSERT_TRUE(session.waitUntil([&] { return !session.app->backup().isEnabled(); }));
+  session.shoot();
+  session.chooseFromMenuBar(text("Backup"), text("Backup Copy: Off"));
+  ASSERT_TRUE(session.waitUntil([&] { return session.app->backup().isEnabled(); }));
+  session.shoot();
+  // The last one being there, the one before it would be, too.
+  ASSERT_TRUE(session.waitUntil([&] { return copied().contains(text("Anna/Anna_0003.JPG")); }));
+  EXPECT_EQ(copied(), QStringList({text("Anna/Anna_0001.JPG"), text("Anna/Anna_0003.JPG")}));
+}
+
+TEST(Window, OffersANewerReleaseByItselfAndFromTheMenu) {
+  const LoopbackServer service(answering(200, R"({
+    "tag_name": "v99.1", "html_url": "https://releases.example/v99.1",
+    "assets": [{"name": "notes.txt", "browser_download_url": "https://releases.example/notes.txt"},
+               {"name": "Tether.DMG", "browser_download_url": "https://releases.example/Tether.DMG"}]})"));
+  qputenv("AMBREL_RELEASE_API", service.address().toString().toUtf8());
+  WindowSession session;
+  qputenv("AMBREL_RELEASE_API", kNoReleaseService);
+  session.answerDialog(text("Later"));
+  EXPECT_EQ(service.requests().size(), 1U);
+  EXPECT_TRUE(session.openedInBrowser.isEmpty());
+  session.chooseFromMenuBar(session.window->windowTitle(), text("Check for Updates…"));
+  session.answerDialog(text("Download"));
+  EXPECT_EQ(session.openedInBrowser, QStringList(text("https://releases.example/Tether.DMG")));
+  EXPECT_EQ(service.requests().size(), 2U);
+}
+
 TEST(Window, QuitsFromTheKeyboardAndByClosing) {
   for (const bool byKey : {true, false}) {
     WindowSession session;
@@ -196,6 +253,7 @@ TEST(Window, QuitsFromTheKeyboardAndByClosing) {
 
 int main(int argc, char** argv) {
   qputenv("LC_ALL", "C.UTF-8");
+  qputenv("AMBREL_RELEASE_API", ambrel::kNoReleaseService);
   ::testing::InitGoogleTest(&argc, argv);
   QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);

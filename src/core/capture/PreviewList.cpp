@@ -81,19 +81,25 @@ void PreviewList::previewNextImage() {
 }
 
 void PreviewList::imageLoaded(const QString& path) {
-  if (path != _wantedPath) return;
   _currentPreviewPath = path;
   updateFilenameLabel();
   Q_EMIT controlsStale();
 }
 
-void PreviewList::imageFailed(const QString& path) {
-  if (path == _wantedPath) Q_EMIT controlsStale();
+void PreviewList::imageFailed(const QString&) {
+  Q_EMIT controlsStale();
+}
+
+qint64 PreviewList::shownIndex() const {
+  if (_currentPreviewPath == _wantedPath) return _previewIndex;
+  // The operator has stepped on while it was loaded: it keeps its own place.
+  const qint64 found = _previewImagePaths.lastIndexOf(_currentPreviewPath);
+  return found >= 0 ? found : _previewIndex;
 }
 
 void PreviewList::updateFilenameLabel() {
   _filenameLabel = QStringLiteral("%1  (%2/%3)")
-                       .arg(QFileInfo(_currentPreviewPath).fileName(), QString::number(_previewIndex + 1),
+                       .arg(QFileInfo(_currentPreviewPath).fileName(), QString::number(shownIndex() + 1),
                             QString::number(_previewImagePaths.size()));
   Q_EMIT filenameLabelChanged();
 }

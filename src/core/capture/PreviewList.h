@@ -37,7 +37,8 @@ class PreviewList : public QObject {
   void previewPreviousImage();
   void previewNextImage();
 
-  // The view's answers. One for a photo that is no longer the wanted one is ignored.
+  // The view's answers, in the order of the requests. A photo that has been stepped past meanwhile is shown
+  // all the same, so that a held key shows photos passing by.
   void imageLoaded(const QString& path);
   void imageFailed(const QString& path);
 
@@ -60,6 +61,7 @@ class PreviewList : public QObject {
  private:
   void refreshPreviewImageListAroundPath(const QString& path);
   void takeList(const QStringList& paths);
+  qint64 shownIndex() const;
   void updateFilenameLabel();
 
   Clock& _clock;

@@ -10,6 +10,13 @@ namespace {
 // Moves the next field from the front of `rest` to the end of `field`; true when a comma ended it, so that
 // another field follows.
 bool take_field(std::string_view& rest, std::string& field) {
+  const std::size_t comma = rest.find(',');
+  const std::string_view plain = rest.substr(0, comma);
+  if (plain.find('"') == std::string_view::npos) {  // as most are
+    field.append(plain);
+    rest.remove_prefix(comma == std::string_view::npos ? rest.size() : comma + 1);
+    return comma != std::string_view::npos;
+  }
   bool inQuotes = false;
   std::size_t i = 0;
   while (i < rest.size()) {

@@ -2,9 +2,10 @@
 #include "core/list/NameGrid.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdlib>
+#include <functional>
 #include <string_view>
-#include <unordered_set>
 #include <utility>
 
 #include "core/base/Text.h"
@@ -61,20 +62,32 @@ void NameGrid::setMarker(bool marked, std::int64_t modelRow) {
 
 QSet<QString> NameGrid::duplicateNameSet() const {
   QByteArray names;
-  std::vector<qsizetype> ends;
-  ends.reserve(_rows.size());
+  std::vector<qsizetype> ends{0};
+  ends.reserve(_rows.size() + 1);
   for (const Row& row : _rows) {
     if (!row.empty()) append_lower_cased(names, row.front());
     ends.push_back(names.size());
   }
-  std::unordered_set<std::string_view> seen;
-  seen.reserve(_rows.size());
+  const auto nameAt = [&](std::size_t row) {
+    return std::string_view(names.constData() + ends[row],
+                            static_cast<std::size_t>(ends[row + 1] - ends[row]));
+  };
+  // Row plus one by name, 0 where there is none, in a flat table: a node for each of many thousand names
+  // would cost more than all else here.
+  std::vector<std::uint32_t> firstWithName(std::bit_ceil(2 * _rows.size() + 1));
+  const std::size_t mask = firstWithName.size() - 1;
   QSet<QString> duplicates;
-  qsizetype start = 0;
-  for (const qsizetype end : ends) {
-    const std::string_view name(names.constData() + start, static_cast<std::size_t>(end - start));
-    start = end;
-    if (!name.empty() && !seen.insert(name).second) duplicates.insert(std_to_ns(name));
+  for (std::size_t row = 0; row < _rows.size(); ++row) {
+    const std::string_view name = nameAt(row);
+    if (name.empty()) continue;
+    std::size_t slot = std::hash<std::string_view>()(name) & mask;
+    while (firstWithName[slot] != 0 && nameAt(firstWithName[slot] - 1) != name)
+      slot = (slot + 1) & mask;
+    if (firstWithName[slot] != 0) {
+      duplicates.insert(std_to_ns(name));
+    } else {
+      firstWithName[slot] = static_cast<std::uint32_t>(row + 1);
+    }
   }
   return duplicates;
 }

@@ -270,6 +270,61 @@ TEST_F(MainWindowTest, EveryControlHasANameForThoseWhoCannotSeeIt) {
   }
 }
 
+// Also run with larger system text and a larger scale.
+TEST_F(MainWindowTest, EveryTextFitsItsControlOrStandsWholeInItsToolTip) {
+  fill({{"Anna", "note", "2", "1"}, {"Ben"}});
+  _window.settingsPopover()->toggleSettingsPopover(_window.topPanel()->gearButton());
+  _window.settingsPopover()->showBackup(
+      QStringLiteral("/media/drive"),
+      {QStringLiteral("Backup ⚠ 1234"), BackupColor::Red, QStringLiteral("Waiting")}, {});
+  for (const QSize size : {_window.minimumSizeHint(), layout::kInitialContent}) {
+    _window.resize(size);
+    QCoreApplication::processEvents();
+    int texts = 0;
+    const auto check = [&](const QWidget& control, const QString& text) {
+      if (!control.isVisible() || text.isEmpty()) return;
+      ++texts;
+      const QFontMetrics metrics(control.font());
+      EXPECT_LE(metrics.height(), control.height() + 1) << text.toStdString();
+      if (control.toolTip().contains(text)) return;
+      EXPECT_LE(metrics.horizontalAdvance(text), control.width()) << text.toStdString();
+    };
+    for (const AmbrelButton* button : _window.findChildren<AmbrelButton*>())
+      if (!button->showsSymbol()) check(*button, button->text());
+    for (const TextLabel* label : _window.findChildren<TextLabel*>())
+      check(*label, label->text());
+    EXPECT_GT(texts, 25);
+  }
+}
+
+TEST_F(MainWindowTest, ScreenReadersHearTheRowsAndWhichOneIsSelected) {
+  fill({{"Anna", "front row", "2", "1"}, {"Ben"}, {"Cara"}});
+  QAccessibleInterface* table = QAccessible::queryAccessibleInterface(_window.leftPane()->table());
+  ASSERT_TRUE(table && table->tableInterface());
+  EXPECT_EQ(table->role(), QAccessible::Table);
+  EXPECT_EQ(table->text(QAccessible::Name), QStringLiteral("Names"));
+  EXPECT_EQ(table->tableInterface()->rowCount(), 3);
+  const auto cell = [&](int row, NameColumn column) {
+    return table->tableInterface()->cellAt(row, static_cast<int>(column));
+  };
+  EXPECT_EQ(cell(0, NameColumn::Marker)->text(QAccessible::Name), QStringLiteral("🚩📝"));
+  EXPECT_EQ(cell(1, NameColumn::Name)->text(QAccessible::Name), QStringLiteral("Ben"));
+  EXPECT_EQ(cell(0, NameColumn::Count)->text(QAccessible::Name), QStringLiteral("2"));
+  EXPECT_TRUE(cell(0, NameColumn::Name)->state().selected);
+  EXPECT_FALSE(cell(1, NameColumn::Name)->state().selected);
+  _delegate.list().moveGridSelectionBy(1);
+  EXPECT_TRUE(cell(1, NameColumn::Name)->state().selected);
+}
+
+TEST_F(MainWindowTest, ScreenReadersHearWhatCannotBeUsedNow) {
+  const auto isDisabled = [](AmbrelButton* button) {
+    return QAccessible::queryAccessibleInterface(button)->state().disabled != 0;
+  };
+  EXPECT_TRUE(isDisabled(_window.rightPane()->previousButton()));
+  EXPECT_TRUE(isDisabled(_window.rightPane()->nextButton()));
+  EXPECT_FALSE(isDisabled(_window.topPanel()->gearButton()));
+}
+
 TEST_F(MainWindowTest, TheTabKeyReachesEveryControl) {
   fill({{"Anna"}});
   _window.activateWindow();

@@ -94,6 +94,35 @@ TEST_F(PreviewPresenterTest, ADamagedPhotoLeavesThePictureAndItsName) {
   EXPECT_TRUE(_pane.label().startsWith(QStringLiteral("a.jpg")));
 }
 
+TEST_F(PreviewPresenterTest, PhotosPassByWhileTheOperatorStepsFasterThanTheyAreDecoded) {
+  constexpr int kPhotos = 40;
+  for (int i = 1; i < kPhotos; ++i)
+    writePhoto(QStringLiteral("%1.jpg").arg(i));
+  _list.showPreviewPath(writePhoto(QStringLiteral("40.jpg")), PreviewList::ListRefresh::Yes);
+  ASSERT_TRUE(waitForLabel(QStringLiteral("40.jpg  (40/40)")));
+  // Every photo is still being decoded when the operator is two further on.
+  QStringList seen;
+  QObject::connect(&_list, &PreviewList::filenameLabelChanged, [&] { seen << _list.filenameLabel(); });
+  while (_list.hasPrevious()) {
+    const int begun = _decodings;
+    _list.previewPreviousImage();
+    ASSERT_TRUE(runEventsUntil([&] { return _decodings > begun; }));
+    if (_list.hasPrevious()) _list.previewPreviousImage();
+  }
+  ASSERT_TRUE(waitForLabel(QStringLiteral("1.jpg  (1/40)"))) << _pane.label().toStdString();
+  EXPECT_GT(seen.size(), 10);
+}
+
+TEST_F(PreviewPresenterTest, GrowingTheWindowDoesNotGiveUpThePhotoOnItsWay) {
+  _pane.resize(360, 400);
+  const QString first = writePhoto(QStringLiteral("a.jpg"), {900, 600});
+  _list.showPreviewPath(first, PreviewList::ListRefresh::Yes);
+  ASSERT_TRUE(waitForLabel(QStringLiteral("a.jpg  (1/1)")));
+  _list.showPreviewPath(writePhoto(QStringLiteral("b.jpg"), {900, 600}), PreviewList::ListRefresh::Yes);
+  _pane.resize(760, 700);
+  EXPECT_TRUE(waitForLabel(QStringLiteral("b.jpg  (2/2)"))) << _pane.label().toStdString();
+}
+
 TEST_F(PreviewPresenterTest, DecodesThePhotoAgainOnceThereIsRoomForMoreOfIt) {
   _pane.resize(360, 400);
   _list.showPreviewPath(writePhoto(QStringLiteral("a.jpg"), {900, 600}), PreviewList::ListRefresh::Yes);

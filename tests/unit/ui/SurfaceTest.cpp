@@ -66,6 +66,24 @@ TEST_F(SurfaceTest, CastsTheShadowOfCardsThatStandInPlainContainers) {
   EXPECT_LT(pictureOf(_ground).pixelColor(100, 152).lightness(), 255);
 }
 
+TEST_F(SurfaceTest, TheShadowOfALargeCardIsTheShapesOwnToThePixel) {
+  for (const int scale : {1, 2}) {
+    QImage shapes(_ground.size() * scale, QImage::Format_ARGB32_Premultiplied);
+    shapes.setDevicePixelRatio(scale);
+    shapes.fill(Qt::white);
+    QPainter painter(&shapes);
+    paintShadow(painter, _card.geometry(), _card.cornerRadius(), _card.shadow());
+    painter.end();
+    const QImage picture = pictureOf(_ground, scale);
+    for (int y = 0; y < picture.height(); ++y) {
+      for (int x = 0; x < picture.width(); ++x) {
+        if (_card.geometry().contains(x / scale, y / scale)) continue;
+        ASSERT_NEAR(picture.pixelColor(x, y).red(), shapes.pixelColor(x, y).red(), 2) << x << ' ' << y;
+      }
+    }
+  }
+}
+
 TEST_F(SurfaceTest, HiddenCardsCastNoShadow) {
   _card.hide();
   EXPECT_EQ(pictureOf(_ground).pixelColor(100, 152).lightness(), 255);

@@ -27,6 +27,11 @@ TEST(TextLabel, ShowsTextWithLineBreaksAsOneLine) {
   EXPECT_EQ(pictureOf(QStringLiteral("Saved:\nAnna"), 200), pictureOf(QStringLiteral("Saved: Anna"), 200));
 }
 
+TEST(TextLabel, KeepsBlanksThatSetPartsApart) {
+  EXPECT_NE(pictureOf(QStringLiteral("Anna.jpg  (1/2)"), 200),
+            pictureOf(QStringLiteral("Anna.jpg (1/2)"), 200));
+}
+
 TEST(TextLabel, TakesTagsLiterally) {
   EXPECT_NE(pictureOf(QStringLiteral("<b>Anna</b>"), 200), pictureOf(QStringLiteral("Anna"), 200));
 }

@@ -189,16 +189,19 @@ TEST_F(PreviewListTest, TheNewestRequestWins) {
   EXPECT_EQ(preview.currentPreviewPath().section('/', -1), "b.jpg");
 }
 
-TEST_F(PreviewListTest, AnAnswerForAPhotoNoLongerWantedIsIgnored) {
-  makePhotos(2);
-  loads = false;
+TEST_F(PreviewListTest, APhotoSteppedPastWhileItLoadedIsShownWithItsOwnPlace) {
+  makePhotos(4);
   show("a.jpg");
-  show("b.jpg");
-  preview.imageLoaded(photo("a.jpg"));
-  preview.imageFailed(photo("a.jpg"));
-  EXPECT_EQ(preview.currentPreviewPath(), "");
+  loads = false;
+  preview.previewNextImage();
+  preview.previewNextImage();
+  preview.previewNextImage();
   preview.imageLoaded(photo("b.jpg"));
-  EXPECT_EQ(preview.filenameLabel(), "b.jpg  (2/2)");
+  EXPECT_EQ(preview.currentPreviewPath(), photo("b.jpg"));
+  EXPECT_EQ(preview.filenameLabel(), "b.jpg  (2/4)");
+  EXPECT_EQ(preview.previewIndex(), 3);
+  preview.imageLoaded(photo("d.jpg"));
+  EXPECT_EQ(preview.filenameLabel(), "d.jpg  (4/4)");
 }
 
 TEST_F(PreviewListTest, AListThatArrivesAfterAStepFindsThePlaceOfThePhotoSteppedTo) {
