@@ -64,7 +64,11 @@ void Backup::stopTimer(Clock::TimerId& timer) {
 // ---- The queue at work
 
 void Backup::backupSavedFile(const QString& path) {
-  if (!isSetUp() || path.isEmpty()) return;
+  if (path.isEmpty()) return;
+  if (!isSetUp()) {
+    _backupQueue.pending()->settle(path);  // backup was on when the filing began
+    return;
+  }
   if (_backupQueue.append(path)) {
     ++_backupBatchTotal;
     _backupQueue.saveBackupQueue();

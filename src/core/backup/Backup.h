@@ -5,6 +5,7 @@
 #include <QString>
 #include <chrono>
 #include <functional>
+#include <memory>
 
 #include "core/backup/BackupCopy.h"
 #include "core/backup/BackupQueue.h"
@@ -63,6 +64,11 @@ class Backup : public QObject {
 
   // Settings and queue of the last run; what waits is copied from kStartDelay later on.
   void restore();
+  // What other threads are to tell of photos that are about to be filed, so that none is forgotten if the
+  // application dies before backupSavedFile; they may hold on to it. None while backup is off.
+  std::shared_ptr<PendingPhotos> pendingPhotos() const {
+    return isSetUp() ? _backupQueue.pending() : nullptr;
+  }
   // A photo has been filed under this absolute path.
   void backupSavedFile(const QString& path);
   // Starts the next copy where that is possible; safe to call at any time.

@@ -379,6 +379,40 @@ TEST_F(BackupTest, SaysOnceThatTheQueueCannotBeSavedAndTriesAgainByItself) {
   EXPECT_EQ(storedQueue(), QStringList{path});
 }
 
+// ---- Photos that are being filed
+
+TEST_F(BackupTest, WantsToHearOfPhotosBeforeTheyAreFiledWhileItIsOn) {
+  EXPECT_EQ(backup->pendingPhotos(), nullptr);
+  switchOn();
+  EXPECT_NE(backup->pendingPhotos(), nullptr);
+  backup->toggleBackupEnabled();
+  EXPECT_EQ(backup->pendingPhotos(), nullptr);
+}
+
+TEST_F(BackupTest, CopiesAPhotoThatWasFiledJustBeforeTheApplicationDied) {
+  switchOn();
+  const QString path = target + "/Ann/Ann_0001.jpg";
+  backup->pendingPhotos()->add(path);
+  write(path, "photo");
+  restart();
+  EXPECT_EQ(backup->queue().paths(), QStringList{path});
+  EXPECT_EQ(backup->button().title, "Backup 1⏳");
+  clock.advance(Backup::kStartDelay);
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_EQ(copyOf("Ann/Ann_0001.jpg"), "photo");
+  restart();
+  EXPECT_TRUE(backup->queue().isEmpty());
+}
+
+TEST_F(BackupTest, ForgetsAPhotoWhoseFilingEndedAfterItWasSwitchedOff) {
+  switchOn();
+  backup->pendingPhotos()->add(target + "/a.jpg");
+  backup->toggleBackupEnabled();
+  save("a.jpg");
+  restart();
+  EXPECT_TRUE(backup->queue().isEmpty());
+}
+
 // ---- Quitting
 
 TEST_F(BackupTest, NeverWaitsForACopyThatHangs) {
