@@ -65,6 +65,15 @@ void run(const QString& program, const QStringList& arguments) {
   require(QProcess::execute(program, arguments) == 0, "the peer failed");
 }
 
+class NobodyAsks : public Operator {
+ public:
+  void showAlert(const QString&, const QString&, std::function<void()>) override {}
+  void ask(const Question&, std::function<void(const Answer&)>) override {}
+  void choosePath(const PathRequest&, std::function<void(const QString&)> chosen) override { chosen(folder); }
+  void beep() override {}
+  QString folder;
+};
+
 // ---- Copies
 
 // A way to bring everything in one folder into another, on the disk.
@@ -82,16 +91,55 @@ double timeOf(const CopyAll& copyAll, const QString& folder, const Photos& photo
   return taken;
 }
 
+// The copying alone, as the backup asks for it: each photo with those that come next.
+void copyOurs(const Photos& photos, const QString& from, const QString& to) {
+  PosixFiles files;
+  CopiesAhead ahead(files);
+  QStringList sources;
+  for (int i = 0; i < photos.count; ++i)
+    sources.append(photoPath(from, i));
+  BackupOutcome outcome;
+  for (int i = 0; i < photos.count; ++i) {
+    outcome = copyToBackup(files, ahead,
+                           {.source = sources[i],
+                            .targetDir = from,
+                            .backupDir = to,
+                            .next = sources.mid(i + 1, CopiesAhead::kMaxCopies)});
+    require(outcome.kind == BackupOutcome::Kind::Done, "not copied");
+  }
+  if (!outcome.settled) windUp(ahead);
+}
+
+// The same through the queue, until its file is empty again.
+void sendThroughBackup(const Photos& photos, const QString& folder, const QString& from, const QString& to) {
+  const QTemporaryDir home(folder + QStringLiteral("/road-XXXXXX"));
+  PosixFiles files;
+  SystemClock clock;
+  NobodyAsks nobody;
+  nobody.folder = to;
+  const Locations locations = Locations::below(home.path());
+  Preferences preferences(locations.preferencesFile);
+  StatusLine statusLine(clock, [] { return Readiness{}; });
+  {
+    Backup backup(clock, nobody, files, statusLine, preferences, locations,
+                  {.targetDir = [&] { return from; }, .isImageFileName = [](const QString&) { return true; }},
+                  {});
+    backup.chooseBackupFolder();
+    for (int i = 0; i < photos.count; ++i)
+      backup.backupSavedFile(photoPath(from, i));
+    while (!backup.queue().isEmpty() || backup.state().busy)
+      QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  }
+  const Result<QStringList> left = readQueueFile(locations.dataFile(QStringLiteral("backup_queue.plist")));
+  require(left && left.value().isEmpty(), "not all of the queue was copied");
+}
+
 void measureCopies(Goals& goals, const QString& folder, const Photos& photos, double timesRsync,
                    double timesCp) {
   makePhotos(folder + QStringLiteral("/from"), photos);
-  const CopyAll ours = [&photos](const QString& from, const QString& to) {
-    PosixFiles files;
-    for (int i = 0; i < photos.count; ++i) {
-      const BackupOutcome outcome =
-          copyToBackup(files, {.source = photoPath(from, i), .targetDir = from, .backupDir = to});
-      require(outcome.kind == BackupOutcome::Kind::Done, "not copied");
-    }
+  const CopyAll ours = [&photos](const QString& from, const QString& to) { copyOurs(photos, from, to); };
+  const CopyAll wholeRoad = [&](const QString& from, const QString& to) {
+    sendThroughBackup(photos, folder, from, to);
   };
   const CopyAll rsync = [](const QString& from, const QString& to) {
     run(QStringLiteral("rsync"), {"-a", "--whole-file", "--fsync", from + '/', to + '/'});
@@ -101,10 +149,12 @@ void measureCopies(Goals& goals, const QString& folder, const Photos& photos, do
     run(QStringLiteral("sync"), {"-f", to});
   };
   std::vector<double> oursTimes;
+  std::vector<double> wholeRoadTimes;
   std::vector<double> rsyncTimes;
   std::vector<double> cpTimes;
   for (int round = 0; round < kRounds; ++round) {
     oursTimes.push_back(timeOf(ours, folder, photos));
+    wholeRoadTimes.push_back(timeOf(wholeRoad, folder, photos));
     rsyncTimes.push_back(timeOf(rsync, folder, photos));
     if (timesCp > 0) cpTimes.push_back(timeOf(copyAndSync, folder, photos));
   }
@@ -113,6 +163,7 @@ void measureCopies(Goals& goals, const QString& folder, const Photos& photos, do
                     1 / timesRsync);
   if (timesCp > 0)
     goals.atMostTimes(what + ", durable", median(oursTimes), "cp + sync", median(cpTimes), 1 / timesCp);
+  goals.mention("  with the queue, behind other programs", median(wholeRoadTimes));
   QDir(folder + QStringLiteral("/from")).removeRecursively();
 }
 
@@ -164,7 +215,7 @@ void measureQueue(Goals& goals, const QString& folder) {
 // A drive that answers nothing until it is let go.
 class HangingFiles : public PosixFiles {
  public:
-  Result<void> copyToNew(const QString&, const QString&) override {
+  Result<FlushOfCopy> copyToNew(const QString&, const QString&) override {
     _gate.acquire();
     return Failure{QStringLiteral("gone")};
   }
@@ -174,16 +225,15 @@ class HangingFiles : public PosixFiles {
   std::binary_semaphore _gate{0};
 };
 
-class NobodyAsks : public Operator {
- public:
-  void showAlert(const QString&, const QString&, std::function<void()>) override {}
-  void ask(const Question&, std::function<void(const Answer&)>) override {}
-  void choosePath(const PathRequest&, std::function<void(const QString&)> chosen) override { chosen(folder); }
-  void beep() override {}
-  QString folder;
-};
-
 enum class BackupAtWork { None, Running, Hung };
+
+// As the application has its filing watched.
+FilingWitness witnessOf(const Backup& backup) {
+  const std::shared_ptr<PendingPhotos> pending = backup.pendingPhotos();
+  if (!pending) return {};
+  return {.willFile = [pending](const QString& path) { pending->add(path); },
+          .didNotFile = [pending](const QString& path) { pending->settle(path); }};
+}
 
 // Files photos one after the other and adds the milliseconds that each took from report to filed.
 void fileBeside(BackupAtWork work, const QString& folder, std::vector<double>& times) {
@@ -210,7 +260,8 @@ void fileBeside(BackupAtWork work, const QString& folder, std::vector<double>& t
                            .enabledSuffixString = [] { return QString(); },
                            .captureRow = [] { return 0; },
                            .counter = [&] { return settings.counter(); },
-                           .advanceCounterPast = [&](qint64 used) { settings.advanceCounterPast(used); }});
+                           .advanceCounterPast = [&](qint64 used) { settings.advanceCounterPast(used); },
+                           .witness = [&] { return witnessOf(backup); }});
   int filed = 0;
   QObject::connect(&filer, &PhotoFiler::filed, [&] { ++filed; });
   if (work != BackupAtWork::None) {

@@ -85,9 +85,10 @@ class Backup : public QObject {
  private:
   bool isSetUp() const { return _backupEnabled && !_backupDir.isEmpty(); }
   void startCopy(const QString& source);
+  void startWindUp();
   void copyEnded(const QString& source, const BackupOutcome& outcome);
   void copyFailed(const QString& message);
-  void copySucceeded(const QString& source, BackupOutcome::Kind kind);
+  void copySucceeded(const QString& source, const BackupOutcome& outcome);
   void scheduleBackupRetry();
   void backupRetryTick();
   void stopTimer(Clock::TimerId& timer);
@@ -113,6 +114,7 @@ class Backup : public QObject {
   bool _backupBusy = false;
   bool _backupOffline = false;
   bool _backupSlow = false;
+  bool _windingUp = false;
   bool _lookingForMissing = false;
   bool _queueWriteFailed = false;
   bool _stopped = false;
@@ -122,6 +124,7 @@ class Backup : public QObject {
   Clock::TimerId _backupTimer = Clock::kNoTimer;
   Clock::TimerId _slowTimer = Clock::kNoTimer;
   Clock::TimerId _saveTimer = Clock::kNoTimer;
+  std::shared_ptr<CopiesAhead> _copiesAhead;  // used by one job at a time
   BackgroundJobs _jobs;
 };
 

@@ -28,7 +28,7 @@ QString BackupQueue::backupQueuePath() const {
 void BackupQueue::saveBackupQueue() {
   {
     const std::lock_guard lock(_mutex);
-    _toWrite.paths = _paths;
+    _toWrite.paths = _finished + _paths;
     _toWrite.number = ++_lastSave;
     _toWrite.arrived += std::exchange(_arrived, {});
     _toWrite.gone += std::exchange(_gone, {});
@@ -114,9 +114,18 @@ bool BackupQueue::append(const QString& path) {
 }
 
 void BackupQueue::remove(const QString& path) {
+  finish(path);
+  if (_finished.removeOne(path)) _gone.append(path);
+}
+
+void BackupQueue::finish(const QString& path) {
   if (_savedWith.remove(path) == 0) return;
   _paths.removeOne(path);
-  _gone.append(path);
+  _finished.append(path);
+}
+
+void BackupQueue::settleFinished() {
+  _gone += std::exchange(_finished, {});
 }
 
 void BackupQueue::clear() {
@@ -125,7 +134,14 @@ void BackupQueue::clear() {
 }
 
 bool BackupQueue::firstMayGo() const {
-  return !_paths.isEmpty() && _savedWith.value(_paths.first()) <= _lastSettled;
+  return !_paths.isEmpty() && mayGo(_paths.first());
+}
+
+QStringList BackupQueue::next(qsizetype count) const {
+  QStringList next = _paths.mid(1, count);
+  while (!next.isEmpty() && !mayGo(next.last()))
+    next.removeLast();
+  return next;
 }
 
 }  // namespace ambrel

@@ -40,6 +40,10 @@ class BackupQueue : public QObject {
   // False when the path is queued already.
   bool append(const QString& path);
   void remove(const QString& path);
+  // Leaves the queue, but stays in its file until settleFinished: a copy is there and may yet be undone by a
+  // crash.
+  void finish(const QString& path);
+  void settleFinished();
   void clear();
 
   qint64 size() const { return _paths.size(); }
@@ -47,6 +51,8 @@ class BackupQueue : public QObject {
   const QStringList& paths() const { return _paths; }
   // Whether there is a first photo and it counts as queued.
   bool firstMayGo() const;
+  // Up to `count` photos after the first that count as queued.
+  QStringList next(qsizetype count) const;
   // For other threads too, which may hold on to it.
   const std::shared_ptr<PendingPhotos>& pending() const { return _pending; }
   // Returns when everything that was saved is on the disk, or has failed to get there.
@@ -70,6 +76,7 @@ class BackupQueue : public QObject {
   };
   void write();
   void settleOne();
+  bool mayGo(const QString& path) const { return _savedWith.value(path) <= _lastSettled; }
   void settlePending(const QStringList& paths);
   void keepAside(const QString& path);
   void takeUpPending();
@@ -77,6 +84,7 @@ class BackupQueue : public QObject {
   Files& _files;
   const Locations _locations;
   QStringList _paths;
+  QStringList _finished;
   QHash<QString, quint64> _savedWith;  // the number of the save that each path waits for
   quint64 _lastSave = 0;
   quint64 _lastSettled = 0;

@@ -157,6 +157,31 @@ TEST_F(BackupQueueTest, KeepsAFolderAsideThatStandsInItsPlace) {
   EXPECT_EQ(stored(), QStringList{"/a"});
 }
 
+TEST_F(BackupQueueTest, KeepsAFinishedPhotoInItsFileUntilThatIsSettled) {
+  for (const QString path : {"/a", "/b", "/c"})
+    appendAndSave(path);
+  queue->finish("/a");
+  queue->saveBackupQueue();
+  EXPECT_EQ(queue->paths(), (QStringList{"/b", "/c"}));
+  EXPECT_EQ(stored(), (QStringList{"/a", "/b", "/c"}));
+  EXPECT_TRUE(queue->append("/a"));
+  queue->remove("/a");
+  queue->settleFinished();
+  queue->saveBackupQueue();
+  EXPECT_EQ(stored(), (QStringList{"/b", "/c"}));
+}
+
+TEST_F(BackupQueueTest, NamesThePhotosAfterTheFirstThatCountAsQueued) {
+  EXPECT_EQ(queue->next(2), QStringList());
+  for (const QString path : {"/a", "/b", "/c"})
+    appendAndSave(path);
+  stored();
+  ASSERT_TRUE(runEventsUntil([&] { return queue->firstMayGo() && queue->next(5).size() == 2; }));
+  queue->append("/d");
+  EXPECT_EQ(queue->next(5), (QStringList{"/b", "/c"}));
+  EXPECT_EQ(queue->next(1), QStringList{"/b"});
+}
+
 TEST_F(BackupQueueTest, ForgetsEverythingWhenCleared) {
   appendAndSave("/a");
   queue->clear();
