@@ -144,6 +144,33 @@ TEST_F(BackupCopyTest, NeverMakesTheBackupFolderItself) {
   EXPECT_FALSE(QDir(at("Copies")).exists());
 }
 
+TEST_F(BackupCopyTest, AFolderThatVanishesAtAnyStepFailsTheCopyAndIsNeverMadeAnew) {
+  for (const Operation step : {Operation::Remove, Operation::CopyToNew, Operation::FlushOfCopy,
+                               Operation::MoveReplacing, Operation::FlushFolder}) {
+    QDir().mkpath(at("Copies"));
+    files.callBefore(step,
+                     [this](const QString&, const QString&) { QDir(at("Copies")).removeRecursively(); });
+    EXPECT_EQ(copy().kind, Kind::Failed) << static_cast<int>(step);
+    EXPECT_FALSE(QDir(at("Copies")).exists()) << static_cast<int>(step);
+    EXPECT_EQ(copy(), kOffline);
+    files.callBefore(step, {});
+    QDir().mkpath(at("Copies"));
+    EXPECT_EQ(copy(), kDone) << static_cast<int>(step);
+    EXPECT_EQ(read(kCopy), "photo");
+    EXPECT_EQ(namesIn("Copies/Ann"), QStringList{"Ann_0001.JPG"});
+    EXPECT_TRUE(QDir(at("Copies")).removeRecursively());
+  }
+}
+
+TEST_F(BackupCopyTest, FailsWithoutAMessageForAFolderThatIsNoPath) {
+  for (const QString& nowhere : {QString(), QString(QChar::Null)}) {
+    const BackupOutcome outcome = copyToBackup(
+        files, ahead,
+        {.source = at("Shots/Ann/Ann_0001.JPG"), .targetDir = at("Shots"), .backupDir = nowhere});
+    EXPECT_EQ(outcome, kOffline);
+  }
+}
+
 TEST_F(BackupCopyTest, TakesAFileOfTheSameSizeForDone) {
   QDir().mkpath(at("Copies/Ann"));
   write(kCopy, "other");

@@ -284,6 +284,28 @@ TEST_F(BackupTest, PausesWithOneAlertWhenTheDriveIsGone) {
   EXPECT_EQ(backup->card(), (BackupCardLook{"2 queued", BackupColor::Orange}));
 }
 
+TEST_F(BackupTest, PausesWithTheProgressOfItsBatchWhenTheDriveGoesBetweenTwoCopies) {
+  switchOn();
+  int copied = 0;
+  files.callBefore(Operation::CopyToNew, [&](const QString&, const QString&) {
+    if (++copied == 4) gate.acquire();
+  });
+  for (const QString name : {"a.jpg", "b.jpg", "c.jpg", "d.jpg"})
+    save(name);
+  ASSERT_TRUE(until([this] { return backup->state().batchDone == 3 && backup->state().busy; }));
+  pullDrive();
+  letGo();
+  ASSERT_TRUE(untilFailed());
+  EXPECT_EQ(backup->button().title, "Backup ⚠ 1");
+  EXPECT_EQ(backup->backupStateText(), "75% (3/4) · 1 waiting — drive offline");
+  EXPECT_EQ(operatorSeam.alerts.size(), 1u);
+  plugDrive();
+  clock.advance(Backup::kRetryPeriod);
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_EQ(copyOf("d.jpg"), "photo");
+  EXPECT_EQ(storedQueue(), QStringList());
+}
+
 TEST_F(BackupTest, GoesOnAtTheNextTickOnceTheDriveIsBack) {
   switchOn();
   pullDrive();
@@ -460,6 +482,30 @@ TEST_F(BackupTest, StartsOffWithoutAStoredFolder) {
   preferences.setBackupEnabled(true);
   restart();
   EXPECT_FALSE(backup->isEnabled());
+}
+
+TEST_F(BackupTest, StartsOffWithAnEmptyFolderStored) {
+  preferences.setBackupDir("");
+  preferences.setBackupEnabled(true);
+  restart();
+  EXPECT_FALSE(backup->isEnabled());
+  save("a.jpg");
+  EXPECT_TRUE(backup->queue().isEmpty());
+  backup->backupMissingNow();
+  EXPECT_EQ(operatorSeam.alerts,
+            std::vector<Alert>({{"Backup Not Set Up", "Choose a backup folder and turn Backup on first."}}));
+  operatorSeam.willChoose(copies);
+  backup->toggleBackupEnabled();
+  EXPECT_EQ(backup->backupDir(), copies);
+}
+
+TEST_F(BackupTest, StartsEmptyAndSilentWithoutAQueueFile) {
+  switchOn();
+  QFile::remove(locations.dataFile("backup_queue.plist"));
+  restart();
+  EXPECT_TRUE(backup->queue().isEmpty());
+  EXPECT_EQ(backup->button().title, "Backup ✓");
+  EXPECT_EQ(operatorSeam.alerts, std::vector<Alert>());
 }
 
 TEST_F(BackupTest, StartsAsItWasLeft) {
