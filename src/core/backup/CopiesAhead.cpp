@@ -46,6 +46,15 @@ std::uint64_t bytesOf(const struct stat& status) {
   return static_cast<std::uint64_t>(status.st_size);
 }
 
+// Two photos from outside the target folder may have one destination, and many drives take names that differ
+// in letter case or in their composition for one.
+bool mayShareAName(const CopyPlace& one, const CopyPlace& other) {
+  const auto folded = [](const CopyPlace& place) {
+    return place.destination.normalized(QString::NormalizationForm_C).toCaseFolded();
+  };
+  return folded(one) == folded(other);
+}
+
 // What became of a copy, and when.
 struct Flushed {
   Result<void> result;
@@ -91,13 +100,14 @@ class CopiesAhead::Line : public std::enable_shared_from_this<CopiesAhead::Line>
 
   void work();
   bool make(std::unique_lock<std::mutex>& lock, const Wanted& wanted);
-  bool mayGoAhead(const struct stat& source) const;
+  bool mayGoAhead(const CopyPlace& place, const struct stat& source) const;
   void giveUpGoingAhead();
 
   Files& _files;
   const std::chrono::milliseconds _quick;
   std::mutex _mutex;  // guards everything below
   std::condition_variable _changed;
+  CopyPlace _current;  // is waited for, or has not got its name yet
   std::deque<Wanted> _wanted;
   std::list<Copy> _copies;  // begun, and not taken yet
   bool _works = false;
@@ -109,6 +119,7 @@ class CopiesAhead::Line : public std::enable_shared_from_this<CopiesAhead::Line>
 Result<void> CopiesAhead::Line::copy(const CopyPlace& place, const struct stat& source,
                                      const std::vector<CopyPlace>& next) {
   std::unique_lock lock(_mutex);
+  _current = place;
   if (isBegun(place)) {
     Copy ahead = take(place);
     if (isSameFile(ahead.source, source)) {
@@ -216,7 +227,7 @@ bool CopiesAhead::Line::make(std::unique_lock<std::mutex>& lock, const Wanted& w
     source = *wanted.source;
   } else {
     const bool read = ::stat(QFile::encodeName(place.source).constData(), &source) == 0;
-    if (!read || !S_ISREG(source.st_mode) || !mayGoAhead(source)) return false;
+    if (!read || !S_ISREG(source.st_mode) || !mayGoAhead(place, source)) return false;
     if (backupCopySize(place.destination) == bytesOf(source)) return true;
   }
   std::promise<Flushed> promise;
@@ -237,10 +248,13 @@ bool CopiesAhead::Line::make(std::unique_lock<std::mutex>& lock, const Wanted& w
 }
 
 // An empty photo holds up those behind it.
-bool CopiesAhead::Line::mayGoAhead(const struct stat& source) const {
+bool CopiesAhead::Line::mayGoAhead(const CopyPlace& place, const struct stat& source) const {
+  if (mayShareAName(place, _current)) return false;
   std::uint64_t bytes = bytesOf(source);
-  for (const Copy& copy : _copies)
+  for (const Copy& copy : _copies) {
+    if (mayShareAName(place, copy.place)) return false;
     bytes += bytesOf(copy.source);
+  }
   return source.st_size > 0 && _copies.size() < kMaxCopies && bytes <= kMaxBytes;
 }
 

@@ -24,6 +24,9 @@ class CopiesAheadTest : public ::testing::Test {
 
   CopiesAheadTest() { QDir().mkpath(folder.filePath("Copies")); }
 
+  // Waits for copies that the test has left behind.
+  void TearDown() override { ahead->keepOnly({}); }
+
   CopyPlace photo(const QString& name, const QByteArray& bytes = "photo") {
     const QString source = folder.filePath(name);
     QFile file(source);
@@ -163,6 +166,27 @@ TEST_F(CopiesAheadTest, PassesOverAPhotoWhoseCopyIsThereAndStopsAtAnEmptyOne) {
   ASSERT_TRUE(copy(photo("a"), next));
   EXPECT_FALSE(ahead->isEmpty());
   EXPECT_EQ(copies(), (QStringList{"a.ambrel_tmp", "b.ambrel_tmp", "first.ambrel_tmp", "there"}));
+}
+
+TEST_F(CopiesAheadTest, NeverMakesTwoCopiesAtOnceWhoseNamesADriveMayTakeForOne) {
+  copyAFirstOne();
+  const CopyPlace a = photo("a");
+  const QString inCopies = folder.filePath("Copies/");
+  for (const QString name : {"a", "A"}) {
+    CopyPlace other = photo("b", "another photo");
+    other.destination = inCopies + name;
+    ASSERT_TRUE(copy(a, {other}));
+    EXPECT_TRUE(ahead->isEmpty());
+    EXPECT_EQ(read(a.temporary()), "photo");
+  }
+  CopyPlace composed = photo("c");
+  composed.destination = inCopies + QStringLiteral("\u00fc");
+  CopyPlace decomposed = photo("d");
+  decomposed.destination = inCopies + QStringLiteral("u\u0308");
+  flushUntilCopied(2);
+  ASSERT_TRUE(copy(a, {composed, decomposed}));
+  ASSERT_TRUE(copy(composed));
+  EXPECT_TRUE(ahead->isEmpty());
 }
 
 TEST_F(CopiesAheadTest, MakesACopyAnewOfAPhotoThatHasChangedSince) {
