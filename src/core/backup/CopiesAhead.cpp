@@ -36,10 +36,18 @@ void clearAway(Files& files, const QString& path) {
   if (!files.remove(path)) ::rmdir(QFile::encodeName(path).constData());
 }
 
+timespec changeOf(const struct stat& status) {
+#ifdef __APPLE__
+  return status.st_mtimespec;
+#else
+  return status.st_mtim;
+#endif
+}
+
 // By everything that changes with the content of a file.
 bool isSameFile(const struct stat& one, const struct stat& other) {
   return one.st_dev == other.st_dev && one.st_ino == other.st_ino && one.st_size == other.st_size &&
-         one.st_mtim.tv_sec == other.st_mtim.tv_sec && one.st_mtim.tv_nsec == other.st_mtim.tv_nsec;
+         changeOf(one).tv_sec == changeOf(other).tv_sec && changeOf(one).tv_nsec == changeOf(other).tv_nsec;
 }
 
 std::uint64_t bytesOf(const struct stat& status) {
