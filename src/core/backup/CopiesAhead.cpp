@@ -127,7 +127,7 @@ class CopiesAhead::Line : public std::enable_shared_from_this<CopiesAhead::Line>
 Result<void> CopiesAhead::Line::copy(const CopyPlace& place, const struct stat& source,
                                      const std::vector<CopyPlace>& next) {
   std::unique_lock lock(_mutex);
-  _current = place;
+  _current = CopyPlace(place);  // the race checker does not see into an assignment that Qt does
   if (isBegun(place)) {
     Copy ahead = take(place);
     if (isSameFile(ahead.source, source)) {
