@@ -16,6 +16,7 @@
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 
 #include "core/backup/Backup.h"
 #include "core/backup/QueueFile.h"
@@ -30,12 +31,13 @@ using Random = std::mt19937;
 constexpr int kPhotos = 50;
 constexpr int kLargestPhoto = 300'000;
 // Half of the kills strike early: a fast disk takes no longer for all of the photos.
-constexpr std::array<std::int64_t, 2> kLongestDelaysMicroseconds = {60'000, 250'000};
+constexpr std::array<std::int64_t, 2> kLongestDelaysMicroseconds = {25'000, 100'000};
 
 class NobodyAsks : public Operator {
  public:
   void showAlert(const QString&, const QString& message, std::function<void()>) override {
     std::fprintf(stderr, "alert: %s\n", message.toUtf8().constData());
+    std::exit(3);  // nothing is wrong with the drive
   }
   void ask(const Question&, std::function<void(const Answer&)>) override {}
   void choosePath(const PathRequest&, std::function<void(const QString&)>) override {}
@@ -99,6 +101,7 @@ class Killer {
     for (int i = 0; i < kills; ++i) {
       kill(start(folders, queued ? kPhotos : 0));
       if (const QString wrong = findWrong(folders, queued); !wrong.isEmpty()) return wrong;
+      if (std::exchange(_failed, false)) return QStringLiteral("a run failed");
     }
     const pid_t last = start(folders, queued ? kPhotos : 0);
     int status = 0;
@@ -149,6 +152,7 @@ class Killer {
     int status = 0;
     if (waitpid(child, &status, 0) != child) std::abort();
     _kills += WIFSIGNALED(status) ? 1 : 0;
+    _failed |= WIFEXITED(status) && WEXITSTATUS(status) != 0;
   }
 
   // After a kill: a name without the temporary ending stands for a whole copy; and once all photos count as
@@ -162,7 +166,7 @@ class Killer {
     for (int number = 0; number < kPhotos; ++number) {
       const QString source = folders.target + '/' + photoName(number);
       const QString copy = folders.copies + '/' + photoName(number);
-      midCopy |= QFile::exists(copy + BackupJob::kTemporarySuffix);
+      midCopy |= QFile::exists(copy + CopyPlace::kTemporarySuffix);
       const bool exists = QFile::exists(copy);
       copied += exists ? 1 : 0;
       if (exists && bytesOf(copy) != bytesOf(source)) return copy + QStringLiteral(" is not its photo");
@@ -193,6 +197,7 @@ class Killer {
 
   const char* _program;
   Random _random;
+  bool _failed = false;
   int _kills = 0;
   int _duringACopy = 0;
   int _partCopied = 0;

@@ -127,16 +127,31 @@ Files::MoveResult BrokenFiles::copyWhole(const QString& from, const QString& to)
   return call.after(_real.copyWhole(from, to));
 }
 
-Result<void> BrokenFiles::copyToNew(const QString& from, const QString& to) {
+Result<Files::FlushOfCopy> BrokenFiles::copyToNew(const QString& from, const QString& to) {
   Call call(*this, Operation::CopyToNew, from, to);
   if (call.failure()) return Failure{*call.failure()};
-  return call.after(_real.copyToNew(from, to));
+  Result<FlushOfCopy> copied = call.after(_real.copyToNew(from, to));
+  if (!copied) return copied;
+  return FlushOfCopy([this, from, to, flush = std::move(copied).value()]() -> Result<void> {
+    Call flushing(*this, Operation::FlushOfCopy, from, to);
+    if (flushing.failure()) {
+      (void)_real.remove(to);
+      return Failure{*flushing.failure()};
+    }
+    return flushing.after(flush());
+  });
 }
 
 Result<void> BrokenFiles::moveReplacing(const QString& from, const QString& to) {
   Call call(*this, Operation::MoveReplacing, from, to);
   if (call.failure()) return Failure{*call.failure()};
   return call.after(_real.moveReplacing(from, to));
+}
+
+Result<void> BrokenFiles::flushFolder(const QString& folder) {
+  Call call(*this, Operation::FlushFolder, folder);
+  if (call.failure()) return Failure{*call.failure()};
+  return call.after(_real.flushFolder(folder));
 }
 
 Result<void> BrokenFiles::remove(const QString& path) {

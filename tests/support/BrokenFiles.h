@@ -22,7 +22,9 @@ class BrokenFiles : public Files {
     Move,
     Copy,
     CopyToNew,
+    FlushOfCopy,
     MoveReplacing,
+    FlushFolder,
     Remove,
     Space
   };
@@ -49,8 +51,9 @@ class BrokenFiles : public Files {
   Result<void> flush(const QString& path) override;
   MoveResult moveWithoutOverwriting(const QString& from, const QString& to) override;
   MoveResult copyWhole(const QString& from, const QString& to) override;
-  Result<void> copyToNew(const QString& from, const QString& to) override;
+  Result<FlushOfCopy> copyToNew(const QString& from, const QString& to) override;
   Result<void> moveReplacing(const QString& from, const QString& to) override;
+  Result<void> flushFolder(const QString& folder) override;
   Result<void> remove(const QString& path) override;
   VolumeSpace volumeSpace(const QString& path) override;
 

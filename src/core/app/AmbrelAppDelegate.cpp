@@ -73,7 +73,16 @@ FilingDesk AmbrelAppDelegate::filingDesk() {
             _settings.advanceCounterPast(used);
             savePersistentPaths();
           },
+      .witness = [this] { return filingWitness(); },
   };
+}
+
+// Holds no part of this object: the filing thread may outlive it.
+FilingWitness AmbrelAppDelegate::filingWitness() const {
+  const std::shared_ptr<PendingPhotos> pending = _backup.pendingPhotos();
+  if (!pending) return {};
+  return {.willFile = [pending](const QString& path) { pending->add(path); },
+          .didNotFile = [pending](const QString& path) { pending->settle(path); }};
 }
 
 RenameDesk AmbrelAppDelegate::renameDesk() {

@@ -131,6 +131,7 @@ class AmbrelAppDelegate : public QObject {
   void photoFiled(const QString& path, qint64 row);
   void photoNotFiled(const QString& message);
   FilingDesk filingDesk();
+  FilingWitness filingWitness() const;
   RenameDesk renameDesk();
   BackupSurroundings backupSurroundings() const;
   std::optional<PersonsFolders> foldersOfRow(qint64 modelRow) const;

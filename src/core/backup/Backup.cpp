@@ -17,7 +17,8 @@ Backup::Backup(Clock& clock, Operator& operatorSeam, Files& files, StatusLine& s
       _preferences(preferences),
       _surroundings(std::move(surroundings)),
       _recovery(clock, preferences, statusLine, std::move(driveMeans)),
-      _backupQueue(files, locations) {
+      _backupQueue(files, locations),
+      _copiesAhead(std::make_shared<CopiesAhead>(files)) {
   connect(&_recovery, &DriveRecovery::driveBack, this, &Backup::processBackupQueue);
   connect(&_backupQueue, &BackupQueue::written, this, [this] {
     _queueWriteFailed = false;
@@ -64,7 +65,11 @@ void Backup::stopTimer(Clock::TimerId& timer) {
 // ---- The queue at work
 
 void Backup::backupSavedFile(const QString& path) {
-  if (!isSetUp() || path.isEmpty()) return;
+  if (path.isEmpty()) return;
+  if (!isSetUp()) {
+    _backupQueue.pending()->settle(path);  // backup was on when the filing began
+    return;
+  }
   if (_backupQueue.append(path)) {
     ++_backupBatchTotal;
     _backupQueue.saveBackupQueue();
@@ -80,7 +85,7 @@ void Backup::processBackupQueue() {
     return;
   }
   // A photo that does not count as queued yet is taken up when it does.
-  if (_backupDir.isEmpty() || !_backupQueue.firstMayGo()) return;
+  if (_backupDir.isEmpty() || _windingUp || !_backupQueue.firstMayGo()) return;
   startCopy(_backupQueue.paths().first());
 }
 
@@ -95,9 +100,26 @@ void Backup::startCopy(const QString& source) {
   const BackupJob job{.source = source,
                       .targetDir = _surroundings.targetDir(),
                       .backupDir = _backupDir,
-                      .driveIsThere = _recovery.driveCheck(_backupDir)};
-  _jobs.start([this, &files = _files, job]() -> BackgroundJobs::Reply {
-    return [this, job, outcome = copyToBackup(files, job)] { copyEnded(job.source, outcome); };
+                      .driveIsThere = _recovery.driveCheck(_backupDir),
+                      .next = _backupQueue.next(CopiesAhead::kMaxCopies)};
+  _jobs.start([this, &files = _files, ahead = _copiesAhead, job]() -> BackgroundJobs::Reply {
+    return [this, source = job.source, outcome = copyToBackup(files, *ahead, job)] {
+      copyEnded(source, outcome);
+    };
+  });
+}
+
+// The copies that were made for photos whose turn does not come now are taken away.
+void Backup::startWindUp() {
+  _windingUp = true;
+  _jobs.start([this, ahead = _copiesAhead]() -> BackgroundJobs::Reply {
+    windUp(*ahead);
+    return [this] {
+      _windingUp = false;
+      _backupQueue.settleFinished();
+      _backupQueue.saveBackupQueue();
+      processBackupQueue();
+    };
   });
 }
 
@@ -108,8 +130,9 @@ void Backup::copyEnded(const QString& source, const BackupOutcome& outcome) {
   if (outcome.kind == Kind::Failed) {
     copyFailed(outcome.message);
   } else {
-    copySucceeded(source, outcome.kind);
+    copySucceeded(source, outcome);
   }
+  if (!_backupBusy && (outcome.copiesAhead || !outcome.settled)) startWindUp();
   Q_EMIT changed();
 }
 
@@ -122,10 +145,14 @@ void Backup::copyFailed(const QString& message) {
   scheduleBackupRetry();
 }
 
-void Backup::copySucceeded(const QString& source, Kind kind) {
-  _backupQueue.remove(source);
-  _backupQueue.saveBackupQueue();
-  if (kind == Kind::Done) {
+// The file keeps the photos whose copies a crash could still undo, and is written when none of them can be.
+void Backup::copySucceeded(const QString& source, const BackupOutcome& outcome) {
+  _backupQueue.finish(source);
+  if (outcome.settled) {
+    _backupQueue.settleFinished();
+    _backupQueue.saveBackupQueue();
+  }
+  if (outcome.kind == Kind::Done) {
     ++_backupDoneCount;
     ++_backupBatchDone;
   }

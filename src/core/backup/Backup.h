@@ -5,6 +5,7 @@
 #include <QString>
 #include <chrono>
 #include <functional>
+#include <memory>
 
 #include "core/backup/BackupCopy.h"
 #include "core/backup/BackupQueue.h"
@@ -63,6 +64,11 @@ class Backup : public QObject {
 
   // Settings and queue of the last run; what waits is copied from kStartDelay later on.
   void restore();
+  // What other threads are to tell of photos that are about to be filed, so that none is forgotten if the
+  // application dies before backupSavedFile; they may hold on to it. None while backup is off.
+  std::shared_ptr<PendingPhotos> pendingPhotos() const {
+    return isSetUp() ? _backupQueue.pending() : nullptr;
+  }
   // A photo has been filed under this absolute path.
   void backupSavedFile(const QString& path);
   // Starts the next copy where that is possible; safe to call at any time.
@@ -79,9 +85,10 @@ class Backup : public QObject {
  private:
   bool isSetUp() const { return _backupEnabled && !_backupDir.isEmpty(); }
   void startCopy(const QString& source);
+  void startWindUp();
   void copyEnded(const QString& source, const BackupOutcome& outcome);
   void copyFailed(const QString& message);
-  void copySucceeded(const QString& source, BackupOutcome::Kind kind);
+  void copySucceeded(const QString& source, const BackupOutcome& outcome);
   void scheduleBackupRetry();
   void backupRetryTick();
   void stopTimer(Clock::TimerId& timer);
@@ -107,6 +114,7 @@ class Backup : public QObject {
   bool _backupBusy = false;
   bool _backupOffline = false;
   bool _backupSlow = false;
+  bool _windingUp = false;
   bool _lookingForMissing = false;
   bool _queueWriteFailed = false;
   bool _stopped = false;
@@ -116,6 +124,7 @@ class Backup : public QObject {
   Clock::TimerId _backupTimer = Clock::kNoTimer;
   Clock::TimerId _slowTimer = Clock::kNoTimer;
   Clock::TimerId _saveTimer = Clock::kNoTimer;
+  std::shared_ptr<CopiesAhead> _copiesAhead;  // used by one job at a time
   BackgroundJobs _jobs;
 };
 

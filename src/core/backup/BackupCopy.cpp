@@ -35,41 +35,61 @@ bool leadsUpwards(const QString& relative) {
   return relative.split(QLatin1Char('/')).contains(QLatin1String(".."));
 }
 
-// Errors show when the copy is to be written. The backup folder itself is never made: when its drive goes
-// away at this moment, a folder in its place would take the copies from now on.
-void makeFoldersOf(const QString& destination, const QString& backupDir) {
-  for (qsizetype slash = destination.indexOf(QLatin1Char('/'), backupDir.size() + 1); slash >= 0;
-       slash = destination.indexOf(QLatin1Char('/'), slash + 1)) {
-    ::mkdir(QFile::encodeName(destination.left(slash)).constData(), 0777);
-  }
+CopyPlace placeOf(const QString& source, const BackupJob& job) {
+  return {source, backupDestForSource(source, job.targetDir, job.backupDir), job.backupDir};
 }
 
-// A file, a link or an empty folder; a folder with anything in it is not ours to remove.
-void clearAway(Files& files, const QString& path) {
-  if (!files.remove(path)) ::rmdir(QFile::encodeName(path).constData());
+std::vector<CopyPlace> placesOfNext(const BackupJob& job) {
+  std::vector<CopyPlace> places;
+  for (const QString& source : job.next)
+    places.push_back(placeOf(source, job));
+  return places;
 }
 
 // Writes the copy under its temporary name, proves it, and gives it its own.
-BackupOutcome replaceCopy(Files& files, const BackupJob& job, quint64 size, const QString& destination) {
-  const QString temporary = destination + QLatin1String(BackupJob::kTemporarySuffix);
-  makeFoldersOf(destination, job.backupDir);
-  clearAway(files, temporary);
-  if (const auto copied = files.copyToNew(job.source, temporary); !copied) return failed(copied.error());
+BackupOutcome replaceCopy(Files& files, CopiesAhead& ahead, const CopyPlace& place, const struct stat& source,
+                          const std::vector<CopyPlace>& next) {
+  const QString temporary = place.temporary();
+  if (const auto copied = ahead.copy(place, source, next); !copied) return failed(copied.error());
 
+  const auto size = static_cast<quint64>(source.st_size);
   if (size == 0 || backupCopySize(temporary).value_or(0) != size) {
     (void)files.remove(temporary);
     return failed(QStringLiteral("incomplete copy (connection dropped)"));
   }
   // A file gives way to the move itself, so that at no time there is neither the old copy nor the new one.
   struct stat status = {};
-  if (readStatus(::lstat, destination, status) == 0 && S_ISDIR(status.st_mode)) {
-    clearAway(files, destination);
+  if (readStatus(::lstat, place.destination, status) == 0 && S_ISDIR(status.st_mode)) {
+    ::rmdir(QFile::encodeName(place.destination).constData());  // unless there is something in it
   }
-  if (const auto moved = files.moveReplacing(temporary, destination); !moved) {
+  if (const auto moved = files.moveReplacing(temporary, place.destination); !moved) {
     (void)files.remove(temporary);
     return failed(moved.error());
   }
+  ahead.movedTo(place.destination);
   return {Kind::Done};
+}
+
+BackupOutcome copyOne(Files& files, CopiesAhead& ahead, const BackupJob& job) {
+  struct stat source = {};
+  const int unread = readStatus(::stat, job.source, source);
+  // A disk that cannot answer has not lost the photo.
+  if (unread != 0 && !isMissing(unread)) {
+    return failed(QString::fromStdString(std::generic_category().message(unread)));
+  }
+  if (unread != 0 || !S_ISREG(source.st_mode)) return {Kind::SourceGone};
+
+  struct stat folder = {};
+  if (readStatus(::stat, job.backupDir, folder) != 0 || !job.driveIsThere()) return failed();
+
+  const CopyPlace place = placeOf(job.source, job);
+  const std::vector<CopyPlace> next = placesOfNext(job);
+  if (source.st_size != 0 && backupCopySize(place.destination) == static_cast<quint64>(source.st_size)) {
+    // An earlier run may have been killed between the two.
+    (void)files.remove(place.temporary());
+    return {Kind::Done};
+  }
+  return replaceCopy(files, ahead, place, source, next);
 }
 
 }  // namespace
@@ -90,26 +110,27 @@ std::optional<quint64> backupCopySize(const QString& path) {
   return static_cast<quint64>(status.st_size);
 }
 
-BackupOutcome copyToBackup(Files& files, const BackupJob& job) {
-  struct stat source = {};
-  const int unread = readStatus(::stat, job.source, source);
-  // A disk that cannot answer has not lost the photo.
-  if (unread != 0 && !isMissing(unread)) {
-    return failed(QString::fromStdString(std::generic_category().message(unread)));
+BackupOutcome copyToBackup(Files& files, CopiesAhead& ahead, const BackupJob& job) {
+  std::vector<CopyPlace> wanted = placesOfNext(job);
+  wanted.push_back(placeOf(job.source, job));
+  ahead.keepOnly(wanted);
+  BackupOutcome outcome = copyOne(files, ahead, job);
+  // Those behind wait until this one goes through.
+  if (outcome.kind == Kind::Failed) ahead.keepOnly({});
+  if (ahead.isFlushDue()) {
+    if (const auto flushed = ahead.flushFolders(); !flushed && outcome.kind == Kind::Done) {
+      ahead.keepOnly({});
+      outcome = failed(flushed.error());
+    }
   }
-  if (unread != 0 || !S_ISREG(source.st_mode)) return {Kind::SourceGone};
+  outcome.settled = ahead.isSettled();
+  outcome.copiesAhead = !ahead.isEmpty();
+  return outcome;
+}
 
-  struct stat folder = {};
-  if (readStatus(::stat, job.backupDir, folder) != 0 || !job.driveIsThere()) return failed();
-
-  const auto size = static_cast<quint64>(source.st_size);
-  const QString destination = backupDestForSource(job.source, job.targetDir, job.backupDir);
-  if (size != 0 && backupCopySize(destination) == size) {
-    // An earlier run may have been killed between the two.
-    (void)files.remove(destination + QLatin1String(BackupJob::kTemporarySuffix));
-    return {Kind::Done};
-  }
-  return replaceCopy(files, job, size, destination);
+void windUp(CopiesAhead& ahead) {
+  ahead.keepOnly({});
+  (void)ahead.flushFolders();
 }
 
 }  // namespace ambrel

@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 
+#include "core/backup/CopiesAhead.h"
 #include "core/base/Files.h"
 
 namespace ambrel {
@@ -19,25 +20,31 @@ std::optional<quint64> backupCopySize(const QString& path);
 
 // One photo to copy, with everything as it stood when the job began.
 struct BackupJob {
-  static constexpr const char* kTemporarySuffix = ".ambrel_tmp";
-
   QString source;
   QString targetDir;
   QString backupDir;
   // Whether the drive that the backup folder lies on is there; asked only once the folder itself is.
   std::function<bool()> driveIsThere = [] { return true; };
+  // Sources of the jobs that are to follow, in their order.
+  QStringList next = {};
 };
 
 struct BackupOutcome {
   enum class Kind { Done, Failed, SourceGone };
   Kind kind = Kind::Failed;
   QString message = {};  // why it failed; may be empty
+  // Whether the names of this copy and of all before it are on the disk too. Where they are not, a later
+  // outcome says so, or windUp sees to it.
+  bool settled = true;
+  bool copiesAhead = false;  // are there for jobs to follow
   bool operator==(const BackupOutcome&) const = default;
 };
 
-// Done means that the copy stands complete under its name and on the disk, or that a file of the same size
-// was there before. A failed copy leaves nothing behind that it can still remove. Blocks for as long as the
-// drive does; never for the main thread.
-BackupOutcome copyToBackup(Files& files, const BackupJob& job);
+// Done means that the copy stands complete under its name, its bytes on the disk, or that a file of the same
+// size was there before. A failed copy leaves nothing behind that it can still remove. Blocks for as long as
+// the drive does; never for the main thread.
+BackupOutcome copyToBackup(Files& files, CopiesAhead& ahead, const BackupJob& job);
+// For when the jobs to follow do not: removes their copies, and brings the names of those made to the disk.
+void windUp(CopiesAhead& ahead);
 
 }  // namespace ambrel

@@ -2,7 +2,9 @@
 #include "core/backup/BackupQueue.h"
 
 #include <QFileInfo>
+#include <utility>
 
+#include "core/backup/BackupCopy.h"
 #include "core/backup/QueueFile.h"
 
 namespace ambrel {
@@ -15,6 +17,7 @@ constexpr int kMaxNamesAside = 1000;
 BackupQueue::BackupQueue(Files& files, const Locations& locations)
     : _files(files),
       _locations(locations),
+      _pending(std::make_shared<PendingPhotos>(locations.dataFile(QStringLiteral("backup_pending")))),
       _doorbell([this] { settleOne(); }),
       _writer([this] { write(); }) {}
 
@@ -25,7 +28,10 @@ QString BackupQueue::backupQueuePath() const {
 void BackupQueue::saveBackupQueue() {
   {
     const std::lock_guard lock(_mutex);
-    _toWrite = {_paths, ++_lastSave};
+    _toWrite.paths = _finished + _paths;
+    _toWrite.number = ++_lastSave;
+    _toWrite.arrived += std::exchange(_arrived, {});
+    _toWrite.gone += std::exchange(_gone, {});
   }
   _writer.request();
 }
@@ -36,11 +42,21 @@ void BackupQueue::write() {
   {
     const std::lock_guard lock(_mutex);
     snapshot = _toWrite;
+    _toWrite.arrived.clear();
+    _toWrite.gone.clear();
   }
+  settlePending(snapshot.gone);
   const Result<void> result = _files.replaceWhole(backupQueuePath(), encodeQueue(snapshot.paths));
+  if (result) settlePending(snapshot.arrived);
   const std::lock_guard lock(_mutex);
+  if (!result) _toWrite.arrived = snapshot.arrived + _toWrite.arrived;
   _outcomes.push_back({snapshot.number, result});
   _doorbell.ring();
+}
+
+void BackupQueue::settlePending(const QStringList& paths) {
+  for (const QString& path : paths)
+    _pending->settle(path);
 }
 
 // A queue that cannot be written is no reason to leave photos without their backup: they go all the same.
@@ -67,6 +83,18 @@ void BackupQueue::loadBackupQueue() {
   _savedWith.clear();
   for (const QString& queued : _paths)
     _savedWith.insert(queued, _lastSettled);
+  takeUpPending();
+}
+
+// An empty file there is no photo. Filing was about to take it away.
+void BackupQueue::takeUpPending() {
+  const QStringList pending = _pending->paths();
+  for (const QString& path : pending) {
+    const bool filed = backupCopySize(path).value_or(0) > 0;
+    (filed ? _arrived : _gone).append(path);
+    if (filed) append(path);
+  }
+  if (!pending.isEmpty()) saveBackupQueue();
 }
 
 void BackupQueue::keepAside(const QString& path) {
@@ -80,21 +108,40 @@ void BackupQueue::keepAside(const QString& path) {
 bool BackupQueue::append(const QString& path) {
   if (_savedWith.contains(path)) return false;
   _paths.append(path);
+  _arrived.append(path);
   _savedWith.insert(path, _lastSave + 1);
   return true;
 }
 
 void BackupQueue::remove(const QString& path) {
-  if (_savedWith.remove(path) > 0) _paths.removeOne(path);
+  finish(path);
+  if (_finished.removeOne(path)) _gone.append(path);
+}
+
+void BackupQueue::finish(const QString& path) {
+  if (_savedWith.remove(path) == 0) return;
+  _paths.removeOne(path);
+  _finished.append(path);
+}
+
+void BackupQueue::settleFinished() {
+  _gone += std::exchange(_finished, {});
 }
 
 void BackupQueue::clear() {
-  _paths.clear();
+  _gone += std::exchange(_paths, {});
   _savedWith.clear();
 }
 
 bool BackupQueue::firstMayGo() const {
-  return !_paths.isEmpty() && _savedWith.value(_paths.first()) <= _lastSettled;
+  return !_paths.isEmpty() && mayGo(_paths.first());
+}
+
+QStringList BackupQueue::next(qsizetype count) const {
+  QStringList next = _paths.mid(1, count);
+  while (!next.isEmpty() && !mayGo(next.last()))
+    next.removeLast();
+  return next;
 }
 
 }  // namespace ambrel

@@ -4,6 +4,7 @@
 #include <QByteArray>
 #include <QString>
 #include <cstdint>
+#include <functional>
 
 #include "core/base/Result.h"
 
@@ -50,11 +51,14 @@ class Files {
   // overwriting: Moved means that `to` is on the disk, complete. The source stays in any case.
   virtual MoveResult copyWhole(const QString& from, const QString& to) = 0;
   // Copies every byte of a regular file to the name given, which must be free, with the times of its last
-  // use and change, and flushes the copy. Judging its size is the caller's; a failed copy is removed.
-  virtual Result<void> copyToNew(const QString& from, const QString& to) = 0;
-  // Renames within one volume and flushes the folder. A file at `to` is replaced, and so is a link, not what
-  // it names; a folder is not.
+  // use and change. What comes back flushes the copy; it is called once, on any thread, and until it has
+  // succeeded a crash may undo the copy. Judging its size is the caller's; a failed copy is removed.
+  using FlushOfCopy = std::function<Result<void>()>;
+  virtual Result<FlushOfCopy> copyToNew(const QString& from, const QString& to) = 0;
+  // Renames within one volume. A file at `to` is replaced, and so is a link, not what it names; a folder is
+  // not. Until flushFolder a crash may undo it.
   virtual Result<void> moveReplacing(const QString& from, const QString& to) = 0;
+  virtual Result<void> flushFolder(const QString& folder) = 0;
   virtual Result<void> remove(const QString& path) = 0;
 
   virtual VolumeSpace volumeSpace(const QString& path) = 0;

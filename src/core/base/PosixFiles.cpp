@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <limits.h>
+#include <memory>
 #include <system_error>
 #include <utility>
 
@@ -90,7 +91,7 @@ class Descriptor {
 };
 
 // Some network volumes cannot flush a folder at all; then there is nothing more to be done.
-Result<void> flushFolder(FileSystemCalls& calls, Descriptor& folder) {
+Result<void> flushOpenFolder(FileSystemCalls& calls, Descriptor& folder) {
   const bool flushed = uninterrupted([&] { return calls.flush(folder.number()); }) == 0;
   if (!flushed && errno != EINVAL && errno != ENOTSUP) return lastFailure();
   return {};
@@ -279,7 +280,7 @@ Result<void> PosixFiles::replace(const QString& path, const QByteArray& bytes, D
   if (const auto closed = temporary.file().close(); !closed) return closed;
   if (_calls.rename(temporary.path().constData(), place.constData()) != 0) return lastFailure();
   temporary.hasMoved();
-  return flushed ? flushFolder(_calls, *folder) : Result<void>();
+  return flushed ? flushOpenFolder(_calls, *folder) : Result<void>();
 }
 
 Result<void> PosixFiles::flush(const QString& path) {
@@ -290,7 +291,7 @@ Result<void> PosixFiles::flush(const QString& path) {
   if (const auto flushed = file.flush(); !flushed) return flushed;
   Descriptor folder(_calls, folderOf(name.value()), O_RDONLY | O_DIRECTORY);
   if (!folder.isOpen()) return lastFailure();
-  return flushFolder(_calls, folder);
+  return flushOpenFolder(_calls, folder);
 }
 
 MoveResult PosixFiles::moveWithoutOverwriting(const QString& from, const QString& to) {
@@ -325,14 +326,14 @@ MoveResult PosixFiles::copyWhole(const QString& from, const QString& to) {
   const MoveResult moved = moveExclusively(_calls, temporary.path(), place.value());
   if (!moved.ok()) return moved;
   temporary.hasMoved();
-  if (const auto done = flushFolder(_calls, folder); !done) {
+  if (const auto done = flushOpenFolder(_calls, folder); !done) {
     _calls.unlink(place.value().constData());
     return failedMove(done.error());
   }
   return moved;
 }
 
-Result<void> PosixFiles::copyToNew(const QString& from, const QString& to) {
+Result<Files::FlushOfCopy> PosixFiles::copyToNew(const QString& from, const QString& to) {
   const Result<QByteArray> source = systemPath(from);
   const Result<QByteArray> place = systemPath(to);
   if (!source || !place) return Failure{source ? place.error() : source.error()};
@@ -341,27 +342,39 @@ Result<void> PosixFiles::copyToNew(const QString& from, const QString& to) {
   struct stat status = {};
   if (!original.isOpen() || _calls.statusOf(original.number(), &status) != 0) return lastFailure();
   if (!S_ISREG(status.st_mode)) return Failure{QStringLiteral("Not a regular file")};
-  Descriptor copy(_calls, place.value(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, status.st_mode & 0777);
-  if (!copy.isOpen()) return lastFailure();
+  // It stays open until it is flushed: nobody else is told of a write that fails meanwhile.
+  const auto copy = std::make_shared<Descriptor>(
+      _calls, place.value(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, status.st_mode & 0777);
+  if (!copy->isOpen()) return lastFailure();
 
-  Result<void> done = copyToEnd(_calls, original, copy);
+  if (const auto done = copyToEnd(_calls, original, *copy); !done) {
+    _calls.unlink(place.value().constData());
+    return Failure{done.error()};
+  }
   // Not every volume keeps times, and a photo is worth a backup without them.
-  (void)_calls.setTimes(copy.number(), status);
-  if (done) done = copy.flush();
-  if (done) done = copy.close();
-  if (!done) _calls.unlink(place.value().constData());
-  return done;
+  (void)_calls.setTimes(copy->number(), status);
+  return FlushOfCopy([&calls = _calls, copy, path = place.value()] {
+    Result<void> done = copy->flush();
+    if (done) done = copy->close();
+    if (!done) calls.unlink(path.constData());
+    return done;
+  });
 }
 
 Result<void> PosixFiles::moveReplacing(const QString& from, const QString& to) {
   const Result<QByteArray> source = systemPath(from);
   const Result<QByteArray> place = systemPath(to);
   if (!source || !place) return Failure{source ? place.error() : source.error()};
-  // Opened before anything changes: from the rename on, only the flush itself can fail.
-  Descriptor folder(_calls, folderOf(place.value()), O_RDONLY | O_DIRECTORY);
-  if (!folder.isOpen()) return lastFailure();
   if (_calls.rename(source.value().constData(), place.value().constData()) != 0) return lastFailure();
-  return flushFolder(_calls, folder);
+  return {};
+}
+
+Result<void> PosixFiles::flushFolder(const QString& folder) {
+  const Result<QByteArray> name = systemPath(folder);
+  if (!name) return Failure{name.error()};
+  Descriptor descriptor(_calls, name.value(), O_RDONLY | O_DIRECTORY);
+  if (!descriptor.isOpen()) return lastFailure();
+  return flushOpenFolder(_calls, descriptor);
 }
 
 Result<void> PosixFiles::remove(const QString& path) {

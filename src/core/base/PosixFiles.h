@@ -23,8 +23,9 @@ class PosixFiles : public Files {
   Result<void> flush(const QString& path) override;
   MoveResult moveWithoutOverwriting(const QString& from, const QString& to) override;
   MoveResult copyWhole(const QString& from, const QString& to) override;
-  Result<void> copyToNew(const QString& from, const QString& to) override;
+  Result<FlushOfCopy> copyToNew(const QString& from, const QString& to) override;
   Result<void> moveReplacing(const QString& from, const QString& to) override;
+  Result<void> flushFolder(const QString& folder) override;
   Result<void> remove(const QString& path) override;
   VolumeSpace volumeSpace(const QString& path) override;
 

@@ -32,6 +32,26 @@ QString standardisedPath(const QString& path) {
   return QDir::cleanPath(atHome ? QDir::homePath() + path.mid(1) : path);
 }
 
+// Tells the witness what becomes of one name.
+class Announcement {
+ public:
+  Announcement(const FilingWitness& witness, const QString& path) : _witness(witness), _path(path) {
+    if (_witness.willFile) _witness.willFile(_path);
+  }
+  ~Announcement() {
+    if (!_filed && _witness.didNotFile) _witness.didNotFile(_path);
+  }
+  Announcement(const Announcement&) = delete;
+  Announcement& operator=(const Announcement&) = delete;
+
+  void cameTrue() { _filed = true; }
+
+ private:
+  const FilingWitness& _witness;
+  const QString _path;
+  bool _filed = false;
+};
+
 }  // namespace
 
 // The downloads that are waiting or being filed.
@@ -144,9 +164,11 @@ Result<void> PhotoFiler::Filing::checkHeadRoom() const {
 Result<PhotoFiler::Filing::Photo> PhotoFiler::Filing::takeNextFreeNumber() {
   qint64 number = 0;
   Photo photo;
+  FilingWitness witness;
   const bool answered = _mainThread.ask([&] {
     number = _desk.counter();
     photo.row = _desk.captureRow();
+    witness = _desk.witness();
   });
   if (!answered) return Failure{};
 
@@ -161,10 +183,12 @@ Result<PhotoFiler::Filing::Photo> PhotoFiler::Filing::takeNextFreeNumber() {
     number = *free;
     if (!_mainThread.ask([&] { _desk.advanceCounterPast(number); })) return Failure{};
     photo.path = folder.pathOfNumber(number);
+    Announcement announcement(witness, photo.path);
     const Files::MoveResult moved = moveOrCopy(photo.path);
     if (moved.outcome == MoveOutcome::Failed) return Failure{moved.message};
     if (moved.outcome == MoveOutcome::Moved) {
       if (const auto checked = checkResult(photo.path); !checked) return Failure{checked.error()};
+      announcement.cameTrue();
       return photo;
     }
     ++number;  // another program took it since the test

@@ -16,6 +16,13 @@
 
 namespace ambrel {
 
+// Told on the filing thread of the name that a photo is about to take, and of one that did not come to hold
+// it after all. May be told by a thread that the application has left behind.
+struct FilingWitness {
+  std::function<void(const QString& path)> willFile = {};
+  std::function<void(const QString& path)> didNotFile = {};
+};
+
 // What filing asks of the rest of the application, always on the main thread and at the moment of need.
 struct FilingDesk {
   std::function<QString()> targetDir;
@@ -24,6 +31,7 @@ struct FilingDesk {
   std::function<qint64()> captureRow;  // model row that the photo is counted on, -1 for none
   std::function<qint64()> counter;
   std::function<void(qint64 used)> advanceCounterPast;
+  std::function<FilingWitness()> witness = [] { return FilingWitness(); };
 };
 
 // Files downloaded photos, one at a time and in the order of their arrival, on a thread of its own: checks

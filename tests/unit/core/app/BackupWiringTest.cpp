@@ -75,6 +75,18 @@ TEST_F(BackupWiring, GoesOnAfterARestartWithThePhotosThatWait) {
   EXPECT_EQ(session.readFile(copies + "/Bob/Bob_0001.JPG"), "photo");
 }
 
+// A queue that cannot be written stands for a process that dies before it has written it.
+TEST_F(BackupWiring, QueuesAtTheNextLaunchWhatWasFiledButNotQueued) {
+  const QString inTheWay = session.locations.dataFile("backup_queue.plist");
+  ASSERT_TRUE(QDir().mkpath(inTheWay + "/inside"));
+  ASSERT_NO_FATAL_FAILURE(quitWithAPhotoWaitingForTheDrive());
+  session.app.reset();
+  ASSERT_TRUE(QDir(inTheWay).removeRecursively());
+  session.startApplication();
+  session.launch();
+  EXPECT_EQ(session.app->backup().queue().paths(), QStringList{session.path("Photos/Bob/Bob_0001.JPG")});
+}
+
 TEST_F(BackupWiring, StopsRetryingWithTheApplication) {
   ASSERT_NO_FATAL_FAILURE(quitWithAPhotoWaitingForTheDrive());
   session.clock.advance(Backup::kRetryPeriod);

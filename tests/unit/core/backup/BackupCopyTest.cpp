@@ -44,12 +44,14 @@ class BackupCopyTest : public ::testing::Test {
                                     QDir::Name);
   }
   BackupOutcome copy(const QString& source = "Shots/Ann/Ann_0001.JPG") {
-    return copyToBackup(files, {.source = at(source), .targetDir = at("Shots"), .backupDir = at("Copies")});
+    return copyToBackup(files, ahead,
+                        {.source = at(source), .targetDir = at("Shots"), .backupDir = at("Copies")});
   }
 
   QTemporaryDir folder;
   PosixFiles realFiles;
   BrokenFiles files{realFiles};
+  CopiesAhead ahead{files};
   const QString kCopy = "Copies/Ann/Ann_0001.JPG";
   const QString kTemporary = "Copies/Ann/Ann_0001.JPG.ambrel_tmp";
 };
@@ -125,10 +127,11 @@ TEST_F(BackupCopyTest, FailsWithoutAMessageWhereTheBackupFolderIsGone) {
 }
 
 TEST_F(BackupCopyTest, FailsWithoutAMessageWhereOnlyTheEmptyMountPointIsLeft) {
-  const BackupOutcome outcome = copyToBackup(files, {.source = at("Shots/Ann/Ann_0001.JPG"),
-                                                     .targetDir = at("Shots"),
-                                                     .backupDir = at("Copies"),
-                                                     .driveIsThere = [] { return false; }});
+  const BackupOutcome outcome = copyToBackup(files, ahead,
+                                             {.source = at("Shots/Ann/Ann_0001.JPG"),
+                                              .targetDir = at("Shots"),
+                                              .backupDir = at("Copies"),
+                                              .driveIsThere = [] { return false; }});
   EXPECT_EQ(outcome, kOffline);
   EXPECT_EQ(namesIn("Copies"), QStringList());
 }
@@ -139,6 +142,33 @@ TEST_F(BackupCopyTest, NeverMakesTheBackupFolderItself) {
   });
   EXPECT_EQ(copy(), (BackupOutcome{Kind::Failed, "No such file or directory"}));
   EXPECT_FALSE(QDir(at("Copies")).exists());
+}
+
+TEST_F(BackupCopyTest, AFolderThatVanishesAtAnyStepFailsTheCopyAndIsNeverMadeAnew) {
+  for (const Operation step : {Operation::Remove, Operation::CopyToNew, Operation::FlushOfCopy,
+                               Operation::MoveReplacing, Operation::FlushFolder}) {
+    QDir().mkpath(at("Copies"));
+    files.callBefore(step,
+                     [this](const QString&, const QString&) { QDir(at("Copies")).removeRecursively(); });
+    EXPECT_EQ(copy().kind, Kind::Failed) << static_cast<int>(step);
+    EXPECT_FALSE(QDir(at("Copies")).exists()) << static_cast<int>(step);
+    EXPECT_EQ(copy(), kOffline);
+    files.callBefore(step, {});
+    QDir().mkpath(at("Copies"));
+    EXPECT_EQ(copy(), kDone) << static_cast<int>(step);
+    EXPECT_EQ(read(kCopy), "photo");
+    EXPECT_EQ(namesIn("Copies/Ann"), QStringList{"Ann_0001.JPG"});
+    EXPECT_TRUE(QDir(at("Copies")).removeRecursively());
+  }
+}
+
+TEST_F(BackupCopyTest, FailsWithoutAMessageForAFolderThatIsNoPath) {
+  for (const QString& nowhere : {QString(), QString(QChar::Null)}) {
+    const BackupOutcome outcome = copyToBackup(
+        files, ahead,
+        {.source = at("Shots/Ann/Ann_0001.JPG"), .targetDir = at("Shots"), .backupDir = nowhere});
+    EXPECT_EQ(outcome, kOffline);
+  }
 }
 
 TEST_F(BackupCopyTest, TakesAFileOfTheSameSizeForDone) {
@@ -200,6 +230,32 @@ TEST_F(BackupCopyTest, CallsACopyIncompleteWhosePhotoGrewMeanwhile) {
 TEST_F(BackupCopyTest, FailsWithTheSystemsWordsWhenTheMoveFails) {
   files.failCall(Operation::MoveReplacing, 1, "Input/output error");
   EXPECT_EQ(copy(), (BackupOutcome{Kind::Failed, "Input/output error"}));
+  EXPECT_EQ(namesIn("Copies/Ann"), QStringList());
+}
+
+TEST_F(BackupCopyTest, FailsWithTheSystemsWordsWhenTheNameCannotBeFlushed) {
+  files.failCall(Operation::FlushFolder, 1, "Input/output error");
+  EXPECT_EQ(copy(), (BackupOutcome{Kind::Failed, "Input/output error"}));
+  EXPECT_EQ(copy(), kDone);
+}
+
+TEST_F(BackupCopyTest, FlushesTheCopyBeforeItsSizeIsComparedAndItsNameLast) {
+  QStringList steps;
+  const auto note = [&](const QString& step) {
+    return [&steps, step](const QString&, const QString&) { steps.append(step); };
+  };
+  files.callBefore(Operation::CopyToNew, note("copy"));
+  files.callBefore(Operation::FlushOfCopy, note("flush"));
+  files.callBefore(Operation::MoveReplacing, note("move"));
+  files.callBefore(Operation::FlushFolder, note("flush folder"));
+  EXPECT_EQ(copy(), kDone);
+  EXPECT_EQ(steps, (QStringList{"copy", "flush", "move", "flush folder"}));
+}
+
+TEST_F(BackupCopyTest, CallsACopyIncompleteThatLostBytesInItsFlush) {
+  files.callAfter(Operation::FlushOfCopy,
+                  [](const QString&, const QString& to) { ASSERT_TRUE(QFile::resize(to, 4)); });
+  EXPECT_EQ(copy(), kIncomplete);
   EXPECT_EQ(namesIn("Copies/Ann"), QStringList());
 }
 

@@ -157,10 +157,129 @@ TEST_F(BackupQueueTest, KeepsAFolderAsideThatStandsInItsPlace) {
   EXPECT_EQ(stored(), QStringList{"/a"});
 }
 
+TEST_F(BackupQueueTest, KeepsAFinishedPhotoInItsFileUntilThatIsSettled) {
+  for (const QString path : {"/a", "/b", "/c"})
+    appendAndSave(path);
+  queue->finish("/a");
+  queue->saveBackupQueue();
+  EXPECT_EQ(queue->paths(), (QStringList{"/b", "/c"}));
+  EXPECT_EQ(stored(), (QStringList{"/a", "/b", "/c"}));
+  EXPECT_TRUE(queue->append("/a"));
+  queue->remove("/a");
+  queue->settleFinished();
+  queue->saveBackupQueue();
+  EXPECT_EQ(stored(), (QStringList{"/b", "/c"}));
+}
+
+TEST_F(BackupQueueTest, NamesThePhotosAfterTheFirstThatCountAsQueued) {
+  EXPECT_EQ(queue->next(2), QStringList());
+  for (const QString path : {"/a", "/b", "/c"})
+    appendAndSave(path);
+  stored();
+  ASSERT_TRUE(runEventsUntil([&] { return queue->firstMayGo() && queue->next(5).size() == 2; }));
+  queue->append("/d");
+  EXPECT_EQ(queue->next(5), (QStringList{"/b", "/c"}));
+  EXPECT_EQ(queue->next(1), QStringList{"/b"});
+}
+
 TEST_F(BackupQueueTest, ForgetsEverythingWhenCleared) {
   appendAndSave("/a");
   queue->clear();
   queue->saveBackupQueue();
   EXPECT_EQ(stored(), QStringList());
   EXPECT_TRUE(queue->append("/a"));
+}
+
+// ---- Photos that were being filed when the process ended
+
+namespace {
+
+class PendingInQueueTest : public BackupQueueTest {
+ protected:
+  QString photo(const QString& name, const QByteArray& bytes = "photo") {
+    QFile file(folder.filePath(name));
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    EXPECT_EQ(file.write(bytes), bytes.size());
+    return file.fileName();
+  }
+  // What a launch after this moment would take up.
+  QStringList stillPending() const { return PendingPhotos(locations.dataFile("backup_pending")).paths(); }
+};
+
+}  // namespace
+
+TEST_F(PendingInQueueTest, QueuesPhotosThatWereFiledAndNotYetQueued) {
+  queue->pending()->add(photo("a.jpg"));
+  queue->pending()->add(photo("b.jpg"));
+  restart();
+  queue->loadBackupQueue();
+  EXPECT_EQ(queue->paths(), (QStringList{folder.filePath("a.jpg"), folder.filePath("b.jpg")}));
+  EXPECT_EQ(stored(), queue->paths());
+  EXPECT_EQ(stillPending(), QStringList());
+}
+
+TEST_F(PendingInQueueTest, QueuesThemBehindThePhotosThatWereQueued) {
+  appendAndSave("/queued");
+  queue->pending()->add(photo("a.jpg"));
+  stored();
+  restart();
+  queue->loadBackupQueue();
+  EXPECT_EQ(queue->paths(), (QStringList{"/queued", folder.filePath("a.jpg")}));
+  EXPECT_TRUE(queue->firstMayGo());
+}
+
+TEST_F(PendingInQueueTest, LeavesOutPhotosThatNeverGotThere) {
+  queue->pending()->add(folder.filePath("never moved.jpg"));
+  queue->pending()->add(photo("empty.jpg", ""));
+  ASSERT_TRUE(QDir(folder.path()).mkpath("folder.jpg"));
+  queue->pending()->add(folder.filePath("folder.jpg"));
+  restart();
+  queue->loadBackupQueue();
+  EXPECT_EQ(queue->paths(), QStringList());
+  stored();
+  EXPECT_EQ(stillPending(), QStringList());
+}
+
+TEST_F(PendingInQueueTest, KeepsAPhotoPendingUntilAWriteThatHoldsItHasEnded) {
+  const QString path = photo("a.jpg");
+  QStringList whileWriting;
+  files.callAfter(Operation::Replace, [&](const QString&, const QString&) { whileWriting = stillPending(); });
+  queue->pending()->add(path);
+  appendAndSave(path);
+  EXPECT_EQ(stored(), QStringList{path});
+  EXPECT_EQ(whileWriting, QStringList{path});
+  EXPECT_EQ(stillPending(), QStringList());
+}
+
+TEST_F(PendingInQueueTest, KeepsAPhotoPendingWhileTheQueueCannotBeWritten) {
+  const QString path = photo("a.jpg");
+  files.failCall(Operation::Replace, 1, "disk full");
+  queue->pending()->add(path);
+  appendAndSave(path);
+  queue->finishWriting();
+  EXPECT_EQ(stillPending(), QStringList{path});
+  queue->saveBackupQueue();
+  EXPECT_EQ(stored(), QStringList{path});
+  EXPECT_EQ(stillPending(), QStringList());
+}
+
+TEST_F(PendingInQueueTest, NeverQueuesACopiedPhotoAgainAlthoughTheQueueCouldNotBeWritten) {
+  const QString path = photo("a.jpg");
+  files.failAlways(Operation::Replace, "disk full");
+  queue->pending()->add(path);
+  appendAndSave(path);
+  queue->remove(path);
+  queue->saveBackupQueue();
+  queue->finishWriting();
+  EXPECT_EQ(stillPending(), QStringList());
+}
+
+TEST_F(PendingInQueueTest, NeverBringsAClearedPhotoBack) {
+  const QString path = photo("a.jpg");
+  queue->pending()->add(path);
+  queue->append(path);
+  queue->clear();
+  queue->saveBackupQueue();
+  EXPECT_EQ(stored(), QStringList());
+  EXPECT_EQ(stillPending(), QStringList());
 }

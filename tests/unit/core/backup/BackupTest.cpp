@@ -130,6 +130,114 @@ TEST_F(BackupTest, ShowsItsProgressBetweenTwoCopies) {
   ASSERT_TRUE(untilEmpty());
 }
 
+// ---- Copies made ahead
+
+namespace {
+
+class BackupAhead : public BackupTest {
+ protected:
+  static constexpr int kPhotos = 20;
+  void saveMany() {
+    for (int i = 0; i < kPhotos; ++i)
+      filed.append(save(QStringLiteral("%1.jpg").arg(i)));
+  }
+  QStringList temporaries() const { return QDir(copies).entryList({"*.ambrel_tmp"}, QDir::Files); }
+  bool untilDone(qint64 count) {
+    return until([=, this] { return backup->state().batchDone >= count; });
+  }
+  QStringList filed;
+};
+
+}  // namespace
+
+TEST_F(BackupAhead, CopiesEveryPhotoAndLeavesNothingElse) {
+  switchOn();
+  saveMany();
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_EQ(backup->backupDoneCount(), kPhotos);
+  EXPECT_EQ(QDir(copies).entryList(QDir::Files | QDir::Hidden).size(), kPhotos);
+  EXPECT_EQ(storedQueue(), QStringList());
+}
+
+// A crash may undo a move whose folder is not flushed.
+TEST_F(BackupAhead, NeverTakesAPhotoOutOfTheQueueFileBeforeTheNameOfItsCopyIsFlushed) {
+  std::mutex mutex;
+  QStringList unflushed;
+  QStringList forgotten;
+  files.callBefore(Operation::MoveReplacing, [&](const QString&, const QString& to) {
+    const std::lock_guard lock(mutex);
+    unflushed.append(target + '/' + to.section('/', -1));
+  });
+  files.callAfter(Operation::FlushFolder, [&](const QString&, const QString&) {
+    const std::lock_guard lock(mutex);
+    unflushed.clear();
+  });
+  files.callAfter(Operation::Replace, [&](const QString& path, const QString&) {
+    const std::lock_guard lock(mutex);
+    const QStringList inFile = readQueueFile(path).value();
+    for (const QString& photo : unflushed)
+      if (!inFile.contains(photo)) forgotten.append(photo);
+  });
+  switchOn();
+  saveMany();
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_EQ(storedQueue(), QStringList());
+  EXPECT_EQ(forgotten, QStringList());
+}
+
+TEST_F(BackupAhead, RemovesThemWhenItIsSwitchedOff) {
+  switchOn();
+  saveMany();
+  ASSERT_TRUE(untilDone(3));
+  backup->toggleBackupEnabled();
+  ASSERT_TRUE(until([this] { return !backup->state().busy && temporaries().isEmpty(); }));
+  const qint64 waiting = backup->queue().size();
+  EXPECT_EQ(waiting + backup->backupDoneCount(), kPhotos);
+  backup->toggleBackupEnabled();
+  backup->retryBackupNow();
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_EQ(backup->backupDoneCount(), kPhotos);
+}
+
+TEST_F(BackupAhead, RemovesThemWhenTheQueueIsCleared) {
+  switchOn();
+  saveMany();
+  ASSERT_TRUE(untilDone(3));
+  operatorSeam.willAnswer(0);
+  backup->clearBackupQueue();
+  ASSERT_TRUE(until([this] { return !backup->state().busy && temporaries().isEmpty(); }));
+  save("another.jpg");
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_EQ(copyOf("another.jpg"), "photo");
+  EXPECT_EQ(storedQueue(), QStringList());
+}
+
+TEST_F(BackupAhead, RemovesThemWhenOneInFrontOfThemFails) {
+  switchOn();
+  for (int i = 0; i < 5; ++i)
+    save(QStringLiteral("%1.jpg").arg(i));
+  save("empty.jpg", "");
+  for (int i = 6; i < kPhotos; ++i)
+    save(QStringLiteral("%1.jpg").arg(i));
+  ASSERT_TRUE(untilFailed());
+  EXPECT_EQ(temporaries(), QStringList());
+  EXPECT_EQ(backup->backupDoneCount(), 5);
+  EXPECT_EQ(backup->queue().size(), kPhotos - 5);
+}
+
+TEST_F(BackupAhead, StartsAnewInAnotherFolder) {
+  switchOn();
+  saveMany();
+  ASSERT_TRUE(untilDone(3));
+  ASSERT_TRUE(QDir().mkpath(at("Other")));
+  choose(at("Other"));
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_EQ(temporaries(), QStringList());
+  const qsizetype inBoth = QDir(copies).entryList(QDir::Files).size() +
+                           QDir(at("Other")).entryList(QDir::Files | QDir::Hidden).size();
+  EXPECT_EQ(inBoth, kPhotos);
+}
+
 // ---- A slow copy
 
 TEST_F(BackupTest, CallsACopySlowThatTakesLongerThanFourSeconds) {
@@ -174,6 +282,28 @@ TEST_F(BackupTest, PausesWithOneAlertWhenTheDriveIsGone) {
   EXPECT_EQ(backup->button().color, BackupColor::Red);
   EXPECT_EQ(backup->backupStateText(), "0% (0/2) · 2 waiting — drive offline");
   EXPECT_EQ(backup->card(), (BackupCardLook{"2 queued", BackupColor::Orange}));
+}
+
+TEST_F(BackupTest, PausesWithTheProgressOfItsBatchWhenTheDriveGoesBetweenTwoCopies) {
+  switchOn();
+  int copied = 0;
+  files.callBefore(Operation::CopyToNew, [&](const QString&, const QString&) {
+    if (++copied == 4) gate.acquire();
+  });
+  for (const QString name : {"a.jpg", "b.jpg", "c.jpg", "d.jpg"})
+    save(name);
+  ASSERT_TRUE(until([this] { return backup->state().batchDone == 3 && backup->state().busy; }));
+  pullDrive();
+  letGo();
+  ASSERT_TRUE(untilFailed());
+  EXPECT_EQ(backup->button().title, "Backup ⚠ 1");
+  EXPECT_EQ(backup->backupStateText(), "75% (3/4) · 1 waiting — drive offline");
+  EXPECT_EQ(operatorSeam.alerts.size(), 1u);
+  plugDrive();
+  clock.advance(Backup::kRetryPeriod);
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_EQ(copyOf("d.jpg"), "photo");
+  EXPECT_EQ(storedQueue(), QStringList());
 }
 
 TEST_F(BackupTest, GoesOnAtTheNextTickOnceTheDriveIsBack) {
@@ -354,6 +484,30 @@ TEST_F(BackupTest, StartsOffWithoutAStoredFolder) {
   EXPECT_FALSE(backup->isEnabled());
 }
 
+TEST_F(BackupTest, StartsOffWithAnEmptyFolderStored) {
+  preferences.setBackupDir("");
+  preferences.setBackupEnabled(true);
+  restart();
+  EXPECT_FALSE(backup->isEnabled());
+  save("a.jpg");
+  EXPECT_TRUE(backup->queue().isEmpty());
+  backup->backupMissingNow();
+  EXPECT_EQ(operatorSeam.alerts,
+            std::vector<Alert>({{"Backup Not Set Up", "Choose a backup folder and turn Backup on first."}}));
+  operatorSeam.willChoose(copies);
+  backup->toggleBackupEnabled();
+  EXPECT_EQ(backup->backupDir(), copies);
+}
+
+TEST_F(BackupTest, StartsEmptyAndSilentWithoutAQueueFile) {
+  switchOn();
+  QFile::remove(locations.dataFile("backup_queue.plist"));
+  restart();
+  EXPECT_TRUE(backup->queue().isEmpty());
+  EXPECT_EQ(backup->button().title, "Backup ✓");
+  EXPECT_EQ(operatorSeam.alerts, std::vector<Alert>());
+}
+
 TEST_F(BackupTest, StartsAsItWasLeft) {
   switchOn();
   restart();
@@ -379,6 +533,40 @@ TEST_F(BackupTest, SaysOnceThatTheQueueCannotBeSavedAndTriesAgainByItself) {
   EXPECT_EQ(storedQueue(), QStringList{path});
 }
 
+// ---- Photos that are being filed
+
+TEST_F(BackupTest, WantsToHearOfPhotosBeforeTheyAreFiledWhileItIsOn) {
+  EXPECT_EQ(backup->pendingPhotos(), nullptr);
+  switchOn();
+  EXPECT_NE(backup->pendingPhotos(), nullptr);
+  backup->toggleBackupEnabled();
+  EXPECT_EQ(backup->pendingPhotos(), nullptr);
+}
+
+TEST_F(BackupTest, CopiesAPhotoThatWasFiledJustBeforeTheApplicationDied) {
+  switchOn();
+  const QString path = target + "/Ann/Ann_0001.jpg";
+  backup->pendingPhotos()->add(path);
+  write(path, "photo");
+  restart();
+  EXPECT_EQ(backup->queue().paths(), QStringList{path});
+  EXPECT_EQ(backup->button().title, "Backup 1⏳");
+  clock.advance(Backup::kStartDelay);
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_EQ(copyOf("Ann/Ann_0001.jpg"), "photo");
+  restart();
+  EXPECT_TRUE(backup->queue().isEmpty());
+}
+
+TEST_F(BackupTest, ForgetsAPhotoWhoseFilingEndedAfterItWasSwitchedOff) {
+  switchOn();
+  backup->pendingPhotos()->add(target + "/a.jpg");
+  backup->toggleBackupEnabled();
+  save("a.jpg");
+  restart();
+  EXPECT_TRUE(backup->queue().isEmpty());
+}
+
 // ---- Quitting
 
 TEST_F(BackupTest, NeverWaitsForACopyThatHangs) {
@@ -391,7 +579,8 @@ TEST_F(BackupTest, NeverWaitsForACopyThatHangs) {
   backup.reset();
   EXPECT_LT(std::chrono::steady_clock::now() - begun, 2s);
   letGo();
-  ASSERT_TRUE(until([this] { return copyOf("a.jpg") == "photo"; }));  // it still uses the files
+  ASSERT_TRUE(until([this] { return files.calls(Operation::FlushFolder) > 0; }));  // it still uses the files
+  EXPECT_EQ(copyOf("a.jpg"), "photo");
 }
 
 TEST_F(BackupTest, StartsNothingMoreOnceStopped) {

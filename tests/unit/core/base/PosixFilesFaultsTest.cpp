@@ -198,7 +198,10 @@ Scenario copying(Volume volume) {
 
 Scenario copyingToANewName() {
   return makingACopy(
-      [](Files& files, const QString& from, const QString& to) { return files.copyToNew(from, to).error(); },
+      [](Files& files, const QString& from, const QString& to) {
+        const Result<Files::FlushOfCopy> copied = files.copyToNew(from, to);
+        return copied ? copied.value()().error() : copied.error();
+      },
       Volume::Complete);
 }
 
@@ -218,14 +221,18 @@ Scenario movingOverAFile() {
                 EXPECT_EQ(namesIn(folder), QStringList{"to"});
               },
           .expectUntouched =
-              [](const QString& folder, const FailingCalls& calls) {
-                // Only the flush of the folder can fail once the file has its name.
-                const bool moved = calls.failedCall == "flush" && read(folder + "/to") == "photo";
-                if (!moved) {
-                  EXPECT_EQ(read(folder + "/from"), "photo");
-                  EXPECT_EQ(read(folder + "/to"), "the old copy");
-                }
+              [](const QString& folder, const FailingCalls&) {
+                EXPECT_EQ(read(folder + "/from"), "photo");
+                EXPECT_EQ(read(folder + "/to"), "the old copy");
               }};
+}
+
+Scenario flushingAFolder() {
+  return {.prepare = [](const QString& folder) { write(folder + "/photo", "photo"); },
+          .run = [](Files& files, const QString& folder) { return files.flushFolder(folder).error(); },
+          .expectDone = [](const QString& folder) { EXPECT_EQ(read(folder + "/photo"), "photo"); },
+          .expectUntouched = [](const QString& folder,
+                                const FailingCalls&) { EXPECT_EQ(read(folder + "/photo"), "photo"); }};
 }
 
 // An operation that finds its destination taken: whatever fails, the file that is there stays.
@@ -294,6 +301,10 @@ TEST(PosixFilesFaults, EveryFailureOfACopyToANewNameIsReportedAndKeepsTheSource)
 
 TEST(PosixFilesFaults, EveryFailureOfAMoveOverAFileIsReportedAndKeepsBoth) {
   failEveryCallOf(movingOverAFile());
+}
+
+TEST(PosixFilesFaults, EveryFailureToFlushAFolderIsReported) {
+  failEveryCallOf(flushingAFolder());
 }
 
 TEST(PosixFilesFaults, EveryFailureOfAMoveIsReportedAndKeepsTheSource) {

@@ -92,7 +92,9 @@ TEST_F(PosixFilesTest, CopiesToANewNameWithTheTimeOfTheSource) {
   write("a", "photo");
   const timespec times[2] = {{1'700'000'000, 0}, {1'600'000'000, 0}};
   ASSERT_EQ(::utimensat(AT_FDCWD, QFile::encodeName(at("a")).constData(), times, 0), 0);
-  ASSERT_TRUE(files.copyToNew(at("a"), at("b")));
+  const Result<Files::FlushOfCopy> copied = files.copyToNew(at("a"), at("b"));
+  ASSERT_TRUE(copied);
+  EXPECT_TRUE(copied.value()());
   EXPECT_EQ(read("b"), "photo");
   EXPECT_EQ(QFileInfo(at("b")).lastModified().toSecsSinceEpoch(), 1'600'000'000);
 }
@@ -125,6 +127,13 @@ TEST_F(PosixFilesTest, MovesOverAFileOrALinkButNeverOverAFolder) {
   EXPECT_EQ(names(), QStringList{"real"});
   ASSERT_TRUE(QDir(_folder.path()).mkdir("folder"));
   EXPECT_EQ(files.moveReplacing(at("real"), at("folder")).error(), "Is a directory");
+}
+
+TEST_F(PosixFilesTest, FlushesAFolderAndNothingElse) {
+  write("a", "photo");
+  EXPECT_TRUE(files.flushFolder(_folder.path()));
+  EXPECT_EQ(files.flushFolder(at("a")).error(), "Not a directory");
+  EXPECT_EQ(files.flushFolder(at("missing")).error(), "No such file or directory");
 }
 
 // ---- Replacing

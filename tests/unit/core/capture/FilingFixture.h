@@ -46,7 +46,8 @@ class FilingFixture : public ::testing::Test {
                                         [this](qint64 used) {
                                           settings.advanceCounterPast(used);
                                           ++preferencesSaved;
-                                        }});
+                                        },
+                                    .witness = [this] { return witness; }});
     QObject::connect(&*filer, &PhotoFiler::filed, [this](const QString& path, qint64 onRow) {
       const QString prefix = settings.targetDir() + '/';
       EXPECT_TRUE(path.startsWith(prefix)) << path.toStdString();
@@ -103,6 +104,7 @@ class FilingFixture : public ::testing::Test {
   std::optional<std::string> name = "Bob";
   QString suffix;
   qint64 row = 3;
+  FilingWitness witness;
   CaptureSettings settings;
   int preferencesSaved = 0;
   std::vector<Filed> filed;

@@ -673,3 +673,65 @@ TEST_F(PhotoFilerTest, QuittingNeverWaitsForAMoveThatIsStuck) {
   EXPECT_TRUE(QFile::exists(second));
   EXPECT_EQ(files.calls(Operation::Copy), 0);
 }
+
+// ---- The witness
+
+namespace {
+
+// What a witness hears, with whether the photo lay there at that moment.
+class WitnessTest : public PhotoFilerTest {
+ protected:
+  WitnessTest() {
+    witness = {.willFile = [this](const QString& path) { hear("will", path); },
+               .didNotFile = [this](const QString& path) { hear("did not", path); }};
+  }
+  void hear(const QString& what, const QString& path) {
+    heard.append(what + ' ' + QFileInfo(path).fileName() + (QFile::exists(path) ? " there" : ""));
+  }
+  QStringList heard;
+};
+
+}  // namespace
+
+TEST_F(WitnessTest, HearsOfAPhotoBeforeItTakesItsName) {
+  file(download("IMG_1.JPG"));
+  EXPECT_EQ(heard, QStringList{"will Bob_0001.JPG"});
+  EXPECT_EQ(filed, (std::vector<Filed>{{"Bob/Bob_0001.JPG", 3}}));
+}
+
+TEST_F(WitnessTest, HearsOfEveryNameThatAnotherProgramTakesFirst) {
+  files.callBefore(Operation::Move, [this](const QString&, const QString& to) {
+    if (to.endsWith("Bob_0001.JPG")) write(to, "another program's");
+  });
+  file(download("IMG_1.JPG"));
+  EXPECT_EQ(heard, (QStringList{"will Bob_0001.JPG", "did not Bob_0001.JPG there", "will Bob_0002.JPG"}));
+}
+
+TEST_F(WitnessTest, HearsThatAPhotoCannotBeFiled) {
+  files.failAlways(Operation::Move, "broken");
+  files.failAlways(Operation::Copy, "broken");
+  file(download("IMG_1.JPG"));
+  EXPECT_EQ(heard, (QStringList{"will Bob_0001.JPG", "did not Bob_0001.JPG"}));
+}
+
+TEST_F(WitnessTest, HearsOfAResultThatIsTakenAwayAgain) {
+  files.callAfter(Operation::Move,
+                  [](const QString&, const QString& to) { ASSERT_TRUE(QFile::resize(to, 0)); });
+  file(download("IMG_1.JPG"));
+  EXPECT_EQ(heard, (QStringList{"will Bob_0001.JPG", "did not Bob_0001.JPG"}));
+}
+
+TEST_F(WitnessTest, HearsOfAnExceptionToo) {
+  files.callBefore(Operation::Move,
+                   [](const QString&, const QString&) { throw std::runtime_error("thrown"); });
+  file(download("IMG_1.JPG"));
+  EXPECT_EQ(heard, (QStringList{"will Bob_0001.JPG", "did not Bob_0001.JPG"}));
+}
+
+TEST_F(WitnessTest, IsAskedForAnewWithEveryPhoto) {
+  file(download("IMG_1.JPG"));
+  witness = {};
+  file(download("IMG_2.JPG"));
+  EXPECT_EQ(heard, QStringList{"will Bob_0001.JPG"});
+  EXPECT_EQ(filed.size(), 2u);
+}
