@@ -219,8 +219,9 @@ void FolderRename::finishMove(qint64 sourceRow, const QString& sourceName, const
     row = sourceRow < 0 ? _list.grid().rowCount() : sourceRow + 1;
     _list.editableGrid().insert(row, {ns_to_std(targetName), "", "0", ""});
   }
-  _list.setSelectedRow(row);
   _list.saveGridToDisk();
+  // At once: a photo that arrives before the counts do belongs to the destination, and rows have moved.
+  _list.selectAndShow(row);
   _folders.syncCapturedCountsFromDisk([this, outcome, targetName, rowAdded] {
     _list.selectAndShow(_list.selectedRow());
     Q_EMIT _list.pathLabelsStale();

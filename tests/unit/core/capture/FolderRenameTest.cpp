@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <condition_variable>
 #include <mutex>
+#include <optional>
 
 #include "FoldersFixture.h"
 #include "core/capture/FolderRename.h"
@@ -198,8 +199,42 @@ TEST_F(FolderRenameTest, EndsWithCountsFilterSelectionAndWatchInThisOrder) {
   makeFile("Ann/Ann_0001.JPG");
   startWith({{"Ann", "", "1"}});
   move(0, "Bea");
-  EXPECT_EQ(steps, (QStringList{"reload", "reload", "reload", "select", "select and scroll", "path labels",
-                                "auto watch", "status: Moved 1 photo to \"Bea\" (new row added)."}));
+  EXPECT_EQ(steps, (QStringList{"reload",                                 // the rescan
+                                "reload", "select", "select and scroll",  // the row
+                                "reload",                                 // its count
+                                "reload", "select", "select and scroll", "path labels", "auto watch",
+                                "status: Moved 1 photo to \"Bea\" (new row added)."}));
+}
+
+TEST_F(FolderRenameTest, APhotoThatArrivesBeforeTheCountsBelongsToTheDestination) {
+  makeFile("Cat/Cat_0001.JPG");
+  startWith({{"Ann"}, {"Bea", "", "0"}, {"Cat", "", "1"}});
+  std::optional<std::string> name;
+  qint64 row = -1;
+  // What filing asks, as soon as the folders have been looked at anew.
+  QObject::connect(&folders, &PhotoFolders::pathLabelsStale, [&] {
+    thread.add([&](SerialThread::Line& mainThread) {
+      mainThread.ask([&] {
+        name = list.selectedQueueItemName();
+        row = list.captureRow();
+      });
+    });
+  });
+  move(2, "Dan");
+  EXPECT_EQ(name, "Dan");
+  EXPECT_EQ(row, 3);
+  EXPECT_EQ(list.selectedRow(), 3);
+}
+
+TEST_F(FolderRenameTest, TheRowsShownAreThoseOfTheListAsSoonAsARowIsAdded) {
+  makeFile("Ann/Ann_0001.JPG");
+  startWith({{"Ann", "", "1"}, {"Cat"}});
+  std::vector<qint64> shown;
+  QObject::connect(&folders, &PhotoFolders::pathLabelsStale, [&] {
+    thread.add([&](SerialThread::Line& mainThread) { mainThread.ask([&] { shown = list.filteredRows(); }); });
+  });
+  move(0, "Bea");
+  EXPECT_EQ(shown, (std::vector<qint64>{0, 1, 2}));
 }
 
 TEST_F(FolderRenameTest, TheFilterSeesTheNewCounts) {
