@@ -162,7 +162,7 @@ MoveDialog FolderRename::dialogFor(qint64 modelRow, const std::optional<QString>
   const QString target = _desk.targetDir();
   for (const QString& suffix : candidateSuffixes(tagSuffixes, folderName, folderNames)) {
     const std::string folder = ns_to_path(target + QLatin1Char('/') + folderName + suffix);
-    const bool exists = !target.isEmpty() && pathExists(folder);
+    const bool exists = !target.isEmpty() && isFolder(folder);
     dialog.suffixes.push_back({suffix, exists, exists ? imageCountInFolder(folder) : 0});
   }
   return dialog;

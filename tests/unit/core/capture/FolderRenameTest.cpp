@@ -289,6 +289,16 @@ TEST_F(FolderRenameTest, TheDialogOffersTagsAloneWithoutATargetFolder) {
   EXPECT_EQ(operatorSeam.questions[0].accessory->checkBoxes[0].title, "_FR   (no photos)");
 }
 
+TEST_F(FolderRenameTest, AFileNamedLikeASuffixFolderIsNoneToMove) {
+  makeFiles({"Ann/Ann_0001.JPG", "Ann_FR"});
+  startWith({{"Ann"}});
+  operatorSeam.willAnswer(1);
+  rename.ctxRenameFolderAndImages(0);
+  ASSERT_EQ(operatorSeam.questions[0].accessory->checkBoxes.size(), 1u);
+  EXPECT_EQ(operatorSeam.questions[0].accessory->checkBoxes[0].title, "_FR   (no photos)");
+  EXPECT_FALSE(operatorSeam.questions[0].accessory->checkBoxes[0].checked);
+}
+
 TEST_F(FolderRenameTest, TheFirstButtonMovesWhatIsCheckedToTheTrimmedName) {
   makeFiles({"Ann/Ann_0001.JPG", "Ann_FR/Ann_FR_0001.JPG", "Ann_Lee/Ann_Lee_0001.JPG"});
   startWith({{"Ann"}});
