@@ -10,6 +10,7 @@
 #include "core/list/ListEditing.h"
 #include "core/list/NameList.h"
 #include "integration/list/PlainList.h"
+#include "support/MemoryFolder.h"
 #include "support/ScriptedOperator.h"
 #include "support/TestClock.h"
 
@@ -63,7 +64,7 @@ class ListModelFixture : public ::testing::TestWithParam<unsigned> {
   void dropFile();
   void import();
 
-  QTemporaryDir home;
+  QTemporaryDir home{memoryFolderTemplate()};
   Locations locations = Locations::below(home.path());
   UnflushedFiles files;
   TestClock clock;
