@@ -195,6 +195,17 @@ TEST_F(FolderRenameTest, NamesWithTheSameSafeFormAreAProblemAndStillTwoRows) {
   EXPECT_EQ(counts(), (std::vector<std::int64_t>{1, 1}));
 }
 
+TEST_F(FolderRenameTest, AFolderWhoseSuffixIsNoTextStaysAndIsReported) {
+  makeFiles({"Ann/Ann_0001.JPG", "Ann_\xff/1.JPG"});
+  startWith({{"Ann"}});
+  operatorSeam.willAnswer({.button = 0, .texts = {"Bea"}, .checks = {false, true}});
+  rename.ctxRenameFolderAndImages(0);
+  serveAll();
+  EXPECT_EQ(allInTarget(), (Names{"Ann_\xff/", "Ann_\xff/1.JPG", "Bea/", "Bea/Bea_0001.JPG"}));
+  EXPECT_EQ(operatorSeam.alerts, Alerts({{"Move Problem", "Please enter a valid name."}}));
+  EXPECT_EQ(counts(), (std::vector<std::int64_t>{1, 1}));
+}
+
 TEST_F(FolderRenameTest, EndsWithCountsFilterSelectionAndWatchInThisOrder) {
   makeFile("Ann/Ann_0001.JPG");
   startWith({{"Ann", "", "1"}});
@@ -388,6 +399,14 @@ TEST_F(FolderRenameTest, TheFoldersOwnNameIsRefused) {
   makeFile("Ann/Ann_0001.JPG");
   apply(inTargetDir("Ann"), " Ann ");
   EXPECT_EQ(operatorSeam.alerts, Alerts({{"Rename Failed", "That is already the folder's name."}}));
+  EXPECT_FALSE(statusWasSet());
+}
+
+TEST_F(FolderRenameTest, ANameThatIsNoTextIsRefused) {
+  makeFile("Ann/Ann_0001.JPG");
+  apply(inTargetDir("Ann"), QString(QChar(0xD800)));
+  EXPECT_EQ(operatorSeam.alerts, Alerts({{"Rename Failed", "Please enter a valid name."}}));
+  EXPECT_EQ(allInTarget(), (Names{"Ann/", "Ann/Ann_0001.JPG"}));
   EXPECT_FALSE(statusWasSet());
 }
 
