@@ -28,6 +28,9 @@ class MeddledFiles : public UnflushedFiles {
   // Moves out of this folder are not noted.
   void setDownloads(const std::string& folder) { _downloads = folder; }
   void holdBack(std::function<bool(const std::string& path)> isHeld) { _isHeld = std::move(isHeld); }
+  // Another program takes the very number that the next photo is to be filed under, just before it is; empty
+  // for none.
+  void takeNextNumber(const std::string& bytes);
   // What was noted, oldest first, is forgotten by taking it.
   std::deque<Listing> takeListings();
 
@@ -36,7 +39,10 @@ class MeddledFiles : public UnflushedFiles {
  private:
   std::string _downloads;
   std::function<bool(const std::string& path)> _isHeld;
+  void outrun(const std::string& place);
+
   std::mutex _mutex;  // guards what follows
+  std::string _rival;
   std::string _lastFolder;
   std::deque<Listing> _listings;
 };

@@ -41,6 +41,7 @@ class PhotosModelFixture : public ListModelFixture {
   void renameAnyRow() { renameRow(anyRow(), anyText()); }
   void dropAnyRow() { dropRowOntoRow(anyRow(), anyRow()); }
   void renameAnyFolder();
+  void fileBesideRival(const std::vector<std::string>& downloads);
   void switchTag();
   void typeCounter();
   void chooseTarget();

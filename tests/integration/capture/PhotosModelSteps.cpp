@@ -20,8 +20,24 @@ void PhotosModelFixture::filePhotos() {
                                  below(10) == 0 ? std::string(PlainPhotos::kImmovable) + '_' : "IMG_"));
   if (below(4) == 0) filer.handleDownloadedPath(path_to_ns(downloads.front()));  // reported twice
   if (below(12) == 0) downloads.push_back(inDesk("Downloads/gone.JPG"));
-  file(downloads);
+  if (below(6) == 0) {
+    fileBesideRival(downloads);
+  } else {
+    file(downloads);
+  }
   photoFiles.storageIsLow = photos.storageIsLow = false;
+}
+
+void PhotosModelFixture::fileBesideRival(const std::vector<std::string>& downloads) {
+  const std::string rival = "rival of " + downloads.front();
+  photos.rival = rival;
+  photoFiles.takeNextNumber(rival);
+  file(downloads);
+  photos.rival.clear();
+  photoFiles.takeNextNumber({});
+  for (const auto& [path, bytes] : photos.disk.entries()) {
+    if (bytes == rival) _photosMade.insert(rival);
+  }
 }
 
 void PhotosModelFixture::switchTag() {

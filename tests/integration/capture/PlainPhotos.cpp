@@ -88,6 +88,19 @@ void PlainPhotos::file(const std::string& download) {
   }
 }
 
+// The first free one from the counter on; the largest of all where there is none.
+qint64 PlainPhotos::takeNumber(const std::function<std::string(qint64)>& pathOf) {
+  qint64 number = std::max<qint64>(1, counterField);
+  for (; number < kMostPhotos; ++number) {
+    if (disk.exists(pathOf(number))) continue;
+    const bool outrun = !rival.empty() && disk.makeFile(pathOf(number), rival);
+    rival.clear();
+    if (!outrun) break;
+  }
+  if (number < kMostPhotos) counterField = std::max(counterField, number + 1);
+  return number;
+}
+
 void PlainPhotos::take(const std::string& download, const std::string& folderName) {
   const qint64 row = list.captureRow();
   const std::string own = extensionOf(lastName(download));
@@ -95,15 +108,12 @@ void PlainPhotos::take(const std::string& download, const std::string& folderNam
   const auto pathOf = [&](qint64 number) {
     return target + '/' + folderName + '/' + numbered(folderName, number, extension);
   };
-  qint64 number = std::max<qint64>(1, counterField);
-  disk.makeFolders(parentPath(pathOf(number)));
-  while (number < kMostPhotos && disk.exists(pathOf(number)))
-    ++number;
+  disk.makeFolders(parentPath(pathOf(1)));
+  const qint64 number = takeNumber(pathOf);
   if (number == kMostPhotos) {
     failures.emplace_back("Unable to write file.");
     return;
   }
-  counterField = std::max(counterField, number + 1);
   if (!disk.move(download, pathOf(number))) {
     failures.emplace_back(kSystemsWords);
     return;

@@ -68,6 +68,8 @@ class PlainPhotos {
   std::string enabledSuffix;
   qint64 counterField = 1;
   bool storageIsLow = false;
+  // What another program puts under the number that the next photo is to get.
+  std::string rival;
   // The file system lists a folder in an order of its own. Asked for once for each folder whose photos get
   // new names.
   std::function<Names(const std::string& folder)> listingOf;
@@ -99,6 +101,7 @@ class PlainPhotos {
   qint64 destinationRow(qint64 source, const QString& name) const;
   bool enterDestination(qint64 source, const QString& name);
   std::string nameToFileUnder() const;
+  qint64 takeNumber(const std::function<std::string(qint64)>& pathOf);
   void take(const std::string& download, const std::string& folderName);
 };
 
