@@ -96,12 +96,16 @@ BackupOutcome copyOne(Files& files, CopiesAhead& ahead, const BackupJob& job) {
 
 QString backupDestForSource(const QString& source, const QString& targetDir, const QString& backupDir) {
   const QString fileName = source.mid(source.lastIndexOf(QLatin1Char('/')) + 1);
-  if (targetDir.isEmpty() || !source.startsWith(targetDir)) return joined(backupDir, fileName);
-  QString relative = source.mid(targetDir.size());
-  while (relative.startsWith(QLatin1Char('/')))
-    relative.remove(0, 1);
-  // Such a path is not below the target folder, and must not lead out of the backup folder.
-  return joined(backupDir, leadsUpwards(relative) ? fileName : relative);
+  QString relative = fileName;
+  if (!targetDir.isEmpty() && source.startsWith(targetDir)) {
+    relative = source.mid(targetDir.size());
+    while (relative.startsWith(QLatin1Char('/')))
+      relative.remove(0, 1);
+    // Such a path is not below the target folder.
+    if (leadsUpwards(relative)) relative = fileName;
+  }
+  // Nothing leads out of the backup folder.
+  return leadsUpwards(relative) ? QString() : joined(backupDir, relative);
 }
 
 std::optional<quint64> backupCopySize(const QString& path) {

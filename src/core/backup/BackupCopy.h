@@ -12,7 +12,8 @@ namespace ambrel {
 
 // Where the backup copy of a photo belongs: the folders below the target folder are mirrored below the backup
 // folder; a photo from elsewhere goes to its top level. "Below" means that the path begins with the target
-// folder's, character by character: with the target folder /Shots, /Shots2/a.jpg becomes 2/a.jpg.
+// folder's, character by character: with the target folder /Shots, /Shots2/a.jpg becomes 2/a.jpg. Empty for a
+// folder named "..", which has no place in the backup folder.
 QString backupDestForSource(const QString& source, const QString& targetDir, const QString& backupDir);
 
 // Bytes of a regular file that is no link; none where there is no such file or its size cannot be read.

@@ -162,7 +162,7 @@ MoveDialog FolderRename::dialogFor(qint64 modelRow, const std::optional<QString>
   const QString target = _desk.targetDir();
   for (const QString& suffix : candidateSuffixes(tagSuffixes, folderName, folderNames)) {
     const std::string folder = ns_to_path(target + QLatin1Char('/') + folderName + suffix);
-    const bool exists = !target.isEmpty() && pathExists(folder);
+    const bool exists = !target.isEmpty() && isFolder(folder);
     dialog.suffixes.push_back({suffix, exists, exists ? imageCountInFolder(folder) : 0});
   }
   return dialog;
@@ -219,8 +219,9 @@ void FolderRename::finishMove(qint64 sourceRow, const QString& sourceName, const
     row = sourceRow < 0 ? _list.grid().rowCount() : sourceRow + 1;
     _list.editableGrid().insert(row, {ns_to_std(targetName), "", "0", ""});
   }
-  _list.setSelectedRow(row);
   _list.saveGridToDisk();
+  // At once: a photo that arrives before the counts do belongs to the destination, and rows have moved.
+  _list.selectAndShow(row);
   _folders.syncCapturedCountsFromDisk([this, outcome, targetName, rowAdded] {
     _list.selectAndShow(_list.selectedRow());
     Q_EMIT _list.pathLabelsStale();

@@ -82,6 +82,11 @@ TEST(BackupDestination, NeverLeadsOutOfTheBackupFolder) {
   EXPECT_EQ(backupDestForSource("/Shots/..Ann/a..jpg", "/Shots", "/Copies"), "/Copies/..Ann/a..jpg");
 }
 
+TEST(BackupDestination, TheFolderAroundTheTargetFolderHasNoCopy) {
+  EXPECT_EQ(backupDestForSource("/Shots/..", "/Shots", "/Copies"), "");
+  EXPECT_EQ(backupDestForSource("/Elsewhere/..", "/Shots", "/Copies"), "");
+}
+
 // ---- One copy
 
 TEST_F(BackupCopyTest, CopiesAPhotoWithItsFolderAndLeavesNothingElse) {

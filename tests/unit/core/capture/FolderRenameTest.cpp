@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <condition_variable>
 #include <mutex>
+#include <optional>
 
 #include "FoldersFixture.h"
 #include "core/capture/FolderRename.h"
@@ -194,12 +195,57 @@ TEST_F(FolderRenameTest, NamesWithTheSameSafeFormAreAProblemAndStillTwoRows) {
   EXPECT_EQ(counts(), (std::vector<std::int64_t>{1, 1}));
 }
 
+TEST_F(FolderRenameTest, AFolderWhoseSuffixIsNoTextStaysAndIsReported) {
+  makeFiles({"Ann/Ann_0001.JPG", "Ann_\xff/1.JPG"});
+  startWith({{"Ann"}});
+  operatorSeam.willAnswer({.button = 0, .texts = {"Bea"}, .checks = {false, true}});
+  rename.ctxRenameFolderAndImages(0);
+  serveAll();
+  EXPECT_EQ(allInTarget(), (Names{"Ann_\xff/", "Ann_\xff/1.JPG", "Bea/", "Bea/Bea_0001.JPG"}));
+  EXPECT_EQ(operatorSeam.alerts, Alerts({{"Move Problem", "Please enter a valid name."}}));
+  EXPECT_EQ(counts(), (std::vector<std::int64_t>{1, 1}));
+}
+
 TEST_F(FolderRenameTest, EndsWithCountsFilterSelectionAndWatchInThisOrder) {
   makeFile("Ann/Ann_0001.JPG");
   startWith({{"Ann", "", "1"}});
   move(0, "Bea");
-  EXPECT_EQ(steps, (QStringList{"reload", "reload", "reload", "select", "select and scroll", "path labels",
-                                "auto watch", "status: Moved 1 photo to \"Bea\" (new row added)."}));
+  EXPECT_EQ(steps, (QStringList{"reload",                                 // the rescan
+                                "reload", "select", "select and scroll",  // the row
+                                "reload",                                 // its count
+                                "reload", "select", "select and scroll", "path labels", "auto watch",
+                                "status: Moved 1 photo to \"Bea\" (new row added)."}));
+}
+
+TEST_F(FolderRenameTest, APhotoThatArrivesBeforeTheCountsBelongsToTheDestination) {
+  makeFile("Cat/Cat_0001.JPG");
+  startWith({{"Ann"}, {"Bea", "", "0"}, {"Cat", "", "1"}});
+  std::optional<std::string> name;
+  qint64 row = -1;
+  // What filing asks, as soon as the folders have been looked at anew.
+  QObject::connect(&folders, &PhotoFolders::pathLabelsStale, [&] {
+    thread.add([&](SerialThread::Line& mainThread) {
+      mainThread.ask([&] {
+        name = list.selectedQueueItemName();
+        row = list.captureRow();
+      });
+    });
+  });
+  move(2, "Dan");
+  EXPECT_EQ(name, "Dan");
+  EXPECT_EQ(row, 3);
+  EXPECT_EQ(list.selectedRow(), 3);
+}
+
+TEST_F(FolderRenameTest, TheRowsShownAreThoseOfTheListAsSoonAsARowIsAdded) {
+  makeFile("Ann/Ann_0001.JPG");
+  startWith({{"Ann", "", "1"}, {"Cat"}});
+  std::vector<qint64> shown;
+  QObject::connect(&folders, &PhotoFolders::pathLabelsStale, [&] {
+    thread.add([&](SerialThread::Line& mainThread) { mainThread.ask([&] { shown = list.filteredRows(); }); });
+  });
+  move(0, "Bea");
+  EXPECT_EQ(shown, (std::vector<qint64>{0, 1, 2}));
 }
 
 TEST_F(FolderRenameTest, TheFilterSeesTheNewCounts) {
@@ -252,6 +298,16 @@ TEST_F(FolderRenameTest, TheDialogOffersTagsAloneWithoutATargetFolder) {
   rename.ctxRenameFolderAndImages(0);
   ASSERT_EQ(operatorSeam.questions[0].accessory->checkBoxes.size(), 1u);
   EXPECT_EQ(operatorSeam.questions[0].accessory->checkBoxes[0].title, "_FR   (no photos)");
+}
+
+TEST_F(FolderRenameTest, AFileNamedLikeASuffixFolderIsNoneToMove) {
+  makeFiles({"Ann/Ann_0001.JPG", "Ann_FR"});
+  startWith({{"Ann"}});
+  operatorSeam.willAnswer(1);
+  rename.ctxRenameFolderAndImages(0);
+  ASSERT_EQ(operatorSeam.questions[0].accessory->checkBoxes.size(), 1u);
+  EXPECT_EQ(operatorSeam.questions[0].accessory->checkBoxes[0].title, "_FR   (no photos)");
+  EXPECT_FALSE(operatorSeam.questions[0].accessory->checkBoxes[0].checked);
 }
 
 TEST_F(FolderRenameTest, TheFirstButtonMovesWhatIsCheckedToTheTrimmedName) {
@@ -343,6 +399,14 @@ TEST_F(FolderRenameTest, TheFoldersOwnNameIsRefused) {
   makeFile("Ann/Ann_0001.JPG");
   apply(inTargetDir("Ann"), " Ann ");
   EXPECT_EQ(operatorSeam.alerts, Alerts({{"Rename Failed", "That is already the folder's name."}}));
+  EXPECT_FALSE(statusWasSet());
+}
+
+TEST_F(FolderRenameTest, ANameThatIsNoTextIsRefused) {
+  makeFile("Ann/Ann_0001.JPG");
+  apply(inTargetDir("Ann"), QString(QChar(0xD800)));
+  EXPECT_EQ(operatorSeam.alerts, Alerts({{"Rename Failed", "Please enter a valid name."}}));
+  EXPECT_EQ(allInTarget(), (Names{"Ann/", "Ann/Ann_0001.JPG"}));
   EXPECT_FALSE(statusWasSet());
 }
 
