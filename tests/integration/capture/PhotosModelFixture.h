@@ -46,6 +46,8 @@ class PhotosModelFixture : public ListModelFixture {
   void typeCounter();
   void chooseTarget();
   void switchBackup();
+  // About half of these files, below the desk.
+  void layOutSome(const std::vector<std::string>& names);
   void makeFileOutside();
   void makeFolderOutside();
   void removeOutside();

@@ -96,16 +96,40 @@ std::string PhotosModelFixture::anyEntry() {
   return found.empty() ? "" : found[below(found.size())];
 }
 
+void PhotosModelFixture::layOutSome(const std::vector<std::string>& names) {
+  for (const std::string& name : names) {
+    if (below(2) == 0) continue;
+    std::filesystem::create_directories(parentPath(inDesk(name)));
+    photos.disk.makeFolders(parentPath(inDesk(name)));
+    photoMadeIn(inDesk(name));
+  }
+}
+
 void PhotosModelFixture::makeFileOutside() {
   const std::vector<std::string> present = foldersOnDesk();
   if (present.empty()) return;
   const std::string folder = present[below(present.size())];
   const std::string own = lastName(folder) + '_';
-  const std::vector<std::string> names = {
-      own + "0001.JPG",        own + "0002.CR3",   own + "0003.JPG", own + "0007",   own + "0012a.jpg",
-      own + "00000000042.png", own + "locked.JPG", "locked.jpg",     "Ann_0001.JPG", "Ann_FR_0002.JPG",
-      "Bea_0001.JPG",          "notes.xmp",        "\xff\xfe.jpg",   ".jpg",         "film.MOV",
-      own + own + "1.tif",     "Annn_0001.JPG.jpg"};
+  const std::vector<std::string> names = {own + "0001.JPG",
+                                          own + "0002.CR3",
+                                          own + "0003.JPG",
+                                          own + "0007",
+                                          own + "0012a.jpg",
+                                          own + "00000000042.png",
+                                          own + "locked.JPG",
+                                          "locked.jpg",
+                                          "Ann_0001.JPG",
+                                          "Ann_FR_0002.JPG",
+                                          "Bea_0001.JPG",
+                                          "notes.xmp",
+                                          "\xff\xfe.jpg",
+                                          ".jpg",
+                                          "film.MOV",
+                                          own + own + "1.tif",
+                                          own + "10000.JPG",
+                                          own + "9223372036854775807.jpg",
+                                          own + "99999999999999999999.jpg",
+                                          "Annn_0001.JPG.jpg"};
   const std::string path = folder + '/' + names[below(names.size())];
   if (photos.disk.exists(path) || lastName(path).size() > 255) return;
   photoMadeIn(path);

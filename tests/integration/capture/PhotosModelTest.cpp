@@ -15,7 +15,7 @@ constexpr std::size_t kMostRows = 12;
 class PhotosModelTest : public PhotosModelFixture {
  protected:
   PhotosModelTest() {
-    wholeNames = {"Ann", "Ann", "ann", "Bea", "Bea", "Ann_FR", "Ann_Lee", "Ann Lee", "A"};
+    wholeNames = {"Ann", "Ann", "ann", "Bea", "Bea", "Ann_FR", "Ann_Lee", "Ann Lee", "A", ".."};
     pieces = {"Ann",
               "_",
               "_FR",
@@ -39,6 +39,15 @@ class PhotosModelTest : public PhotosModelFixture {
               QString(QChar::Null),
               QString(150, QChar(0xe9)),
               QString(245, 'x')};
+  }
+
+  void start(unsigned seed) {
+    startShoot(seed);
+    startWith({{"Ann"}, {"Bea", "note", "0"}, {"Ann Lee", "", "3", "1"}, {".."}});
+    layOutSome({"Photos/Ann/Ann_0001.JPG", "Photos/Ann/IMG_7.CR3", "Photos/Ann_FR/Ann_FR_0001.JPG",
+                "Photos/Ann_Lee/Ann_Lee_0003.JPG", "Photos/Bea/Bea_0002.JPG", "Photos/Bea/Bea_10000.JPG",
+                "Photos/Bea_FR/Ann_0001.JPG", "Photos/Ann Lee/locked.JPG", ".._0001.JPG",
+                "Backup/Ann/Ann_0001.JPG", "Backup/Bea/Bea_0002.JPG", "Backup/Ann Lee/notes.txt"});
   }
 
   void step() {
@@ -92,8 +101,7 @@ class PhotosModelTest : public PhotosModelFixture {
 
 TEST_P(PhotosModelTest, AreWhatThePlainModelHasAfterEveryStep) {
   for (unsigned seed = GetParam() * kSequences; seed < (GetParam() + 1) * kSequences; ++seed) {
-    startShoot(seed);
-    startWith({{"Ann"}, {"Bea", "note", "0"}, {"Ann Lee", "", "3", "1"}});
+    start(seed);
     for (int number = 0; number < kSteps && !HasFatalFailure(); ++number) {
       step();
       expectSame();

@@ -13,6 +13,8 @@ namespace {
 
 constexpr qint64 kMostPhotos = std::numeric_limits<qint64>::max();
 
+constexpr qint64 kTooHighToGoOn = 1'000'000'000'000'000'000;
+
 std::string extensionOf(const std::string& name) {
   const std::size_t dot = name.rfind('.');
   return dot == std::string::npos || dot == 0 ? "" : name.substr(dot + 1);
@@ -166,7 +168,8 @@ qint64 PlainPhotos::highestNumber(const std::string& folder, const std::string& 
     if (!base.starts_with(prefix + '_')) continue;
     const std::string tail = base.substr(prefix.size() + 1);
     if (tail.empty() || tail.find_first_not_of("0123456789") != std::string::npos) continue;
-    highest = std::max<qint64>(highest, std::atoll(tail.c_str()));
+    const qint64 number = std::atoll(tail.c_str());
+    if (number < kTooHighToGoOn) highest = std::max(highest, number);
   }
   return highest;
 }
