@@ -67,6 +67,15 @@ std::string numbered(const std::string& name, int n) {
   return name.substr(0, dot) + "-" + std::to_string(n) + extension;
 }
 
+// A power cut must not give a photo that was reported its temporary name back: the next worker would sweep it
+// away. Not every volume can flush a folder, and the photo is there in any case.
+void flushName(const std::string& folder) {
+  const int fd = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (fd < 0) return;
+  fsync(fd);
+  close(fd);
+}
+
 // A living worker holds a lock on its temporary file, on whatever machine it runs.
 void removeIfAbandoned(const std::string& path) {
   const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
@@ -183,6 +192,7 @@ Outcome<std::string> PartFile::moveTo(const std::string& name) {
     if (error == EEXIST) continue;
     if (error != 0) return localError(error);
     _path.clear();
+    flushName(_folder);
     return path;
   }
   return local("no free file name");

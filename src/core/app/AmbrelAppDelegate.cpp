@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "core/app/PathLine.h"
+#include "core/base/FolderReader.h"
 #include "core/base/PathText.h"
 #include "core/base/Text.h"
 #include "core/capture/FileNames.h"
@@ -226,7 +227,7 @@ void AmbrelAppDelegate::showAlert(const QString& title, const QString& message) 
 
 void AmbrelAppDelegate::restoreSavedPaths() {
   const QString targetDir = _preferences.lastTargetDir().value_or(QString());
-  if (!targetDir.isEmpty() && QFileInfo::exists(targetDir) && !holdsLineBreak(targetDir)) {
+  if (!targetDir.isEmpty() && !pathIsMissing(ns_to_path(targetDir)) && !holdsLineBreak(targetDir)) {
     _settings.setTargetDir(targetDir);
     _folders.rescanOutputFolders();
   }

@@ -77,9 +77,9 @@ void BackupQueue::settleOne() {
 
 void BackupQueue::loadBackupQueue() {
   const QString path = backupQueuePath();
-  const Result<QStringList> loaded = readQueueFile(path);
-  if (!loaded) keepAside(path);
-  _paths = loaded ? loaded.value() : QStringList();
+  const QueueFile loaded = restoreQueueFile(_files, path);
+  if (loaded.state == QueueFile::State::Broken) keepAside(path);
+  _paths = loaded.paths;
   _savedWith.clear();
   for (const QString& queued : _paths)
     _savedWith.insert(queued, _lastSettled);

@@ -3,15 +3,17 @@
 
 #include <QFile>
 #include <QSet>
-#include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
 #include <memory>
+#include <optional>
 #include <plist/plist.h>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "core/base/FolderReader.h"
+#include "core/base/PathText.h"
 #include "core/base/Text.h"
 
 namespace ambrel {
@@ -91,21 +93,55 @@ Result<QStringList> decodeQueue(QByteArray bytes) {
   return pathsIn(root);
 }
 
-Result<QStringList> readQueueFile(const QString& path) {
+namespace {
+
+// None when the disk does not answer. What is no file, or too big for a queue, has bytes that are none.
+std::optional<QByteArray> bytesOf(const QString& path) {
   // Without O_NONBLOCK a FIFO of that name would hold the launch up for ever.
   const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-  if (descriptor < 0) return errno == ENOENT ? Result<QStringList>(QStringList()) : notAQueue();
+  if (descriptor < 0) return std::nullopt;
   QFile file;
   struct stat status = {};
-  const bool regular = ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+  const bool known = ::fstat(descriptor, &status) == 0;
   if (!file.open(descriptor, QIODevice::ReadOnly | QIODevice::Unbuffered, QFile::AutoCloseHandle)) {
     ::close(descriptor);
-    return notAQueue();
+    return std::nullopt;
   }
-  if (!regular || status.st_size > kMaxQueueFileBytes) return notAQueue();
+  if (!known) return std::nullopt;
+  if (!S_ISREG(status.st_mode) || status.st_size > kMaxQueueFileBytes) return QByteArray();
   QByteArray bytes = file.read(kMaxQueueFileBytes + 1);
-  if (file.error() != QFileDevice::NoError) return notAQueue();
-  return decodeQueue(std::move(bytes));
+  return file.error() == QFileDevice::NoError ? std::optional(bytes) : std::nullopt;
+}
+
+}  // namespace
+
+QueueFile loadQueueFile(const QString& path) {
+  if (pathIsMissing(ns_to_path(path))) return {};
+  std::optional<QByteArray> bytes = bytesOf(path);
+  // A network home may answer the first call after a pause with an error, and the next one properly.
+  if (!bytes) bytes = bytesOf(path);
+  if (!bytes) return {QueueFile::State::Unreadable};
+  const Result<QStringList> paths = decodeQueue(std::move(*bytes));
+  if (!paths) return {QueueFile::State::Broken};
+  return {QueueFile::State::Read, paths.value()};
+}
+
+QueueFile restoreQueueFile(Files& files, const QString& path) {
+  const QString aside = path + QStringLiteral(".unread");
+  QueueFile file = loadQueueFile(path);
+  if (file.state == QueueFile::State::Unreadable) (void)files.moveWithoutOverwriting(path, aside);
+  if (file.state != QueueFile::State::Read) return file;
+  const QStringList unread = loadQueueFile(aside).paths;
+  if (unread.isEmpty()) return file;
+  file.paths = unread + file.paths;
+  file.paths.removeDuplicates();
+  if (files.replaceWholeUnflushed(path, encodeQueue(file.paths))) (void)files.remove(aside);
+  return file;
+}
+
+Result<QStringList> readQueueFile(const QString& path) {
+  const QueueFile file = loadQueueFile(path);
+  return file.state == QueueFile::State::Read ? Result<QStringList>(file.paths) : notAQueue();
 }
 
 }  // namespace ambrel

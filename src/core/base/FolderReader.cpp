@@ -87,6 +87,10 @@ bool pathExists(const std::string& path) {
   return statusOf(path).has_value();
 }
 
+bool pathIsMissing(const std::string& path) {
+  return !pathExists(path) && (errno == ENOENT || errno == ENOTDIR);
+}
+
 std::vector<std::string> entriesOf(const std::string& folder) {
   return namesIn(folder, [](const FolderReader&, const dirent&) { return true; });
 }

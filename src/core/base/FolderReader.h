@@ -40,6 +40,8 @@ class FolderReader {
 // Links followed.
 bool isFolder(const std::string& path);
 bool pathExists(const std::string& path);
+// Whether the system says that nothing is there. A disk that cannot answer has lost nothing.
+bool pathIsMissing(const std::string& path);
 // Names of all entries; none at all when the folder cannot be read to its end.
 std::vector<std::string> entriesOf(const std::string& folder);
 // Names of those entries that are folders, links followed; none when `folder` cannot be read to its end.

@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/base/Preferences.h"
 
+#include <QDir>
 #include <QFile>
 #include <QSettings>
 #include <QStringDecoder>
+#include <QTemporaryDir>
 #include <array>
+
+#include "core/base/PosixFiles.h"
 
 namespace ambrel {
 
@@ -53,18 +57,46 @@ std::optional<bool> yesOrNo(const Values& values, const char* key) {
   return std::nullopt;
 }
 
+std::optional<QByteArray> bytesOf(const QString& path) {
+  QFile file(path);
+  if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
+  QByteArray bytes = file.readAll();
+  return file.error() == QFileDevice::NoError ? std::optional(bytes) : std::nullopt;
+}
+
 // The parser of the settings takes almost anything for a setting, so bytes that it never writes are looked
 // for first.
-bool isBroken(const QString& path) {
-  QFile file(path);
-  if (!file.open(QIODevice::ReadOnly)) return false;
-  const QByteArray bytes = file.readAll();
+bool isText(const QByteArray& bytes) {
   QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
   const QString decoded = decoder.decode(bytes);
-  if (decoder.hasError() || decoded.contains(QChar::Null)) return true;
+  return !decoder.hasError() && !decoded.contains(QChar::Null);
+}
+
+// None for what is no file of settings.
+std::optional<Values> parsed(const QString& path) {
   const QSettings settings(path, QSettings::IniFormat);
   (void)settings.allKeys();  // a section is parsed once it is asked for
-  return settings.status() == QSettings::FormatError;
+  if (settings.status() == QSettings::FormatError) return std::nullopt;
+  Values values;
+  for (const char* key : kKeys) {
+    const QString name = QLatin1String(key);
+    if (!settings.contains(name)) continue;
+    const QVariant value = settings.value(name);
+    // A list without entries is written as a value of no type.
+    values.insert(name, value.isValid() ? value : QVariantList());
+  }
+  return values;
+}
+
+// QSettings takes a file that it fails to read for an empty one, and keeps to that: it gets a copy of what
+// has been read, of a name of its own each time. Where none can be made, the file itself has to do.
+std::optional<Values> parsedCopy(const QString& original, const QByteArray& bytes) {
+  const QTemporaryDir folder;
+  if (!folder.isValid()) return parsed(original);
+  QFile copy(folder.filePath(QStringLiteral("preferences.ini")));
+  const bool written = copy.open(QIODevice::WriteOnly) && copy.write(bytes) == bytes.size() && copy.flush();
+  copy.close();
+  return parsed(written ? copy.fileName() : original);
 }
 
 void keepAside(const QString& path) {
@@ -75,21 +107,20 @@ void keepAside(const QString& path) {
   QFile::rename(path, name);
 }
 
-Values read(const QString& path) {
-  Values values;
-  const QSettings settings(path, QSettings::IniFormat);
-  for (const char* key : kKeys) {
-    const QString name = QLatin1String(key);
-    if (settings.contains(name)) values.insert(name, settings.value(name));
-  }
-  return values;
-}
-
 }  // namespace
 
 Preferences::Preferences(const QString& file) : _file(file), _writer([this] { write(); }) {
-  if (isBroken(file)) keepAside(file);
-  _values = read(file);
+  std::optional<QByteArray> bytes = bytesOf(file);
+  // One failed read must not cost the settings of a whole session.
+  if (!bytes) bytes = bytesOf(file);
+  if (!bytes) return;
+  std::optional<Values> values = parsedCopy(file, *bytes);
+  if (values && values->isEmpty() && !bytes->isEmpty()) values = parsedCopy(file, *bytes);
+  if (values && isText(*bytes)) {
+    _values = *values;
+  } else {
+    keepAside(file);
+  }
 }
 
 Preferences::~Preferences() {
@@ -197,7 +228,7 @@ void Preferences::synchronize() {
   _changed = false;
   {
     const std::lock_guard lock(_mutex);
-    _toWrite = _values;
+    _toWrite = {_values, _removed};
   }
   _writer.request();
 }
@@ -211,29 +242,42 @@ void Preferences::set(const char* key, const QVariant& value) {
   QVariant& stored = _values[QLatin1String(key)];
   if (stored == value) return;
   stored = value;
+  _removed.remove(QLatin1String(key));
   _changed = true;
 }
 
 void Preferences::remove(const char* key) {
-  if (_values.remove(QLatin1String(key)) > 0) _changed = true;
+  if (_values.remove(QLatin1String(key)) == 0) return;
+  _removed.insert(QLatin1String(key));
+  _changed = true;
 }
 
+// QSettings is only the encoder, in a folder of its own. Beside the file it would keep a lock, and one that a
+// failing disk left behind would hold up everything until it is stale. Settings that are not in memory stay
+// as the file has them: perhaps it could not be read at the launch.
 void Preferences::write() {
-  Values values;
+  Snapshot snapshot;
   {
     const std::lock_guard lock(_mutex);
-    values = _toWrite;
+    snapshot = _toWrite;
   }
-  QSettings settings(_file, QSettings::IniFormat);
-  for (const char* key : kKeys) {
-    const auto value = values.constFind(QLatin1String(key));
-    if (value == values.constEnd()) {
-      settings.remove(QLatin1String(key));
-    } else {
-      settings.setValue(QLatin1String(key), *value);
-    }
+  const QTemporaryDir folder;
+  if (!folder.isValid()) return;
+  const QString copy = folder.filePath(QStringLiteral("preferences.ini"));
+  if (QFile::exists(_file) && !QFile::copy(_file, copy)) return;
+  {
+    QSettings settings(copy, QSettings::IniFormat);
+    for (const QString& key : snapshot.removed)
+      settings.remove(key);
+    for (auto value = snapshot.values.cbegin(); value != snapshot.values.cend(); ++value)
+      settings.setValue(value.key(), value.value());
+    settings.sync();
+    if (settings.status() != QSettings::NoError) return;
   }
-  settings.sync();
+  const std::optional<QByteArray> bytes = bytesOf(copy);
+  if (!bytes) return;
+  QDir().mkpath(_file.left(_file.lastIndexOf(QLatin1Char('/'))));
+  (void)PosixFiles().replaceWhole(_file, *bytes);
 }
 
 }  // namespace ambrel

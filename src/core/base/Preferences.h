@@ -3,6 +3,7 @@
 
 #include <QDateTime>
 #include <QMap>
+#include <QSet>
 #include <QString>
 #include <QVariantList>
 #include <mutex>
@@ -61,15 +62,20 @@ class Preferences {
   void synchronizeAndWait();
 
  private:
+  struct Snapshot {
+    QMap<QString, QVariant> values;
+    QSet<QString> removed;
+  };
   void set(const char* key, const QVariant& value);
   void remove(const char* key);
   void write();
 
   const QString _file;
   QMap<QString, QVariant> _values;
+  QSet<QString> _removed;
   bool _changed = false;
   std::mutex _mutex;  // guards _toWrite
-  QMap<QString, QVariant> _toWrite;
+  Snapshot _toWrite;
   WriteBehind _writer;
 };
 

@@ -3,9 +3,16 @@
 
 #include <QFile>
 
+#include "core/base/FolderReader.h"
+#include "core/base/PathText.h"
 #include "core/list/GridFile.h"
 
 namespace ambrel {
+namespace {
+
+constexpr int kMaxNamesAside = 1000;
+
+}  // namespace
 
 ListStore::ListStore(Files& files, const Locations& locations)
     : _files(files), _locations(locations), _flusher([this, path = gridStorePath()] {
@@ -22,16 +29,34 @@ bool ListStore::exists() const {
 }
 
 bool ListStore::save(const NameGrid& grid) {
+  if (_unread && !keepUnreadFileAside()) return false;
   _text.update(grid);
   const Result<void> written = _files.replaceWholeUnflushed(gridStorePath(), _text.bytes());
   if (written) _flusher.request();
   return written.ok();
 }
 
-std::optional<std::vector<Row>> ListStore::load() const {
+std::optional<std::vector<Row>> ListStore::load() {
   const QString path = gridStorePath();
-  if (!QFile::exists(path)) return std::nullopt;
-  return readGrid(path).value_or(std::vector<Row>());
+  _unread = false;
+  if (pathIsMissing(ns_to_path(path))) return std::nullopt;
+  std::optional<std::vector<Row>> rows = readGrid(path);
+  // A network home may answer the first call after a pause with an error, and the next one properly.
+  if (!rows) rows = readGrid(path);
+  _unread = !rows;
+  return rows.value_or(std::vector<Row>());
+}
+
+bool ListStore::keepUnreadFileAside() {
+  const QString path = gridStorePath();
+  Files::MoveOutcome outcome = Files::MoveOutcome::Taken;
+  for (int number = 1; number <= kMaxNamesAside && outcome == Files::MoveOutcome::Taken; ++number) {
+    const QString aside = path + QStringLiteral(".unread");
+    const QString name = number == 1 ? aside : QStringLiteral("%1-%2").arg(aside).arg(number);
+    outcome = _files.moveWithoutOverwriting(path, name).outcome;
+  }
+  _unread = outcome != Files::MoveOutcome::Moved && !pathIsMissing(ns_to_path(path));
+  return !_unread;
 }
 
 void ListStore::remove() {

@@ -22,18 +22,22 @@ class ListStore {
   // The folder is created whenever the path is asked for.
   QString gridStorePath() const;
   bool exists() const;
-  // Writes the list as it stands; always the same grid.
+  // Writes the list as it stands; always the same grid. A file that could not be read is kept aside first,
+  // under the name "<file>.unread", followed by a number when that is taken.
   bool save(const NameGrid& grid);
   // None when there is no store file; an unreadable one gives no rows.
-  std::optional<std::vector<Row>> load() const;
+  std::optional<std::vector<Row>> load();
   void remove();
   // Returns when everything that was saved is on the disk.
   void finishFlush() { _flusher.finish(); }
 
  private:
+  bool keepUnreadFileAside();
+
   Files& _files;
   const Locations _locations;
   StoreText _text;
+  bool _unread = false;  // the file may hold a list that nobody has seen
   WriteBehind _flusher;
 };
 

@@ -13,6 +13,11 @@ bool isExecutableFile(const QString& path) {
   return file.isFile() && file.isExecutable();
 }
 
+// A network drive may answer the first call after a pause with an error, and the next one properly.
+bool isFolder(const QString& path) {
+  return QFileInfo(path).isDir() || QFileInfo(path).isDir();
+}
+
 }  // namespace
 
 void CameraConnection::startWorkerIfNeeded() {
@@ -27,7 +32,7 @@ void CameraConnection::startWorkerIfNeeded() {
   if (downloadFolder.isEmpty()) {
     downloadFolder = _files.unsetDownloadFolder();
     QDir().mkpath(downloadFolder);
-  } else if (!QFileInfo(downloadFolder).isDir()) {
+  } else if (!isFolder(downloadFolder)) {
     return refuseStart(QStringLiteral("Target Folder Missing"),
                        QStringLiteral("The selected Target Folder no longer exists. Please choose it again."),
                        QStringLiteral("Target folder missing."));

@@ -206,6 +206,19 @@ TEST(SavedPaths, IgnoreAFolderThatIsGoneButKeepItStored) {
   EXPECT_EQ(Preferences(session.locations.preferencesFile).lastTargetDir(), target);
 }
 
+TEST(SavedPaths, KeepAFolderThatMerelyCannotBeSeenAtTheLaunch) {
+  AppSession session;
+  session.launch();
+  const QString target = session.chooseTarget();
+  session.quit();
+  QDir().rmdir(target);
+  ASSERT_TRUE(QFile::link(target, target));  // a loop: every look fails, and not because nothing is there
+
+  session.startApplication();
+  session.launch();
+  EXPECT_EQ(session.app->settings().targetDir(), target);
+}
+
 TEST(SavedPaths, ImportTheLastFileAgainWhenTheStoreIsMissingAndWriteTheStore) {
   AppSession session;
   session.launch();

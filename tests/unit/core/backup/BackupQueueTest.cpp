@@ -4,6 +4,7 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 #include <semaphore>
+#include <unistd.h>
 
 #include "core/backup/BackupQueue.h"
 #include "core/backup/QueueFile.h"
@@ -147,6 +148,27 @@ TEST_F(BackupQueueTest, KeepsAFileAsideThatItCannotRead) {
                                         "backup_queue.plist.broken-3"}));
   appendAndSave("/a");
   EXPECT_EQ(stored(), QStringList{"/a"});
+}
+
+TEST_F(BackupQueueTest, TakesUpAFileThatTheLastStartCouldNotRead) {
+  appendAndSave("/photos/Anna/Anna_0001.JPG");
+  queue->finishWriting();
+  const QByteArray path = QFile::encodeName(queue->backupQueuePath());
+  ASSERT_TRUE(QFile::rename(path, path + ".away"));
+  ASSERT_EQ(::symlink(path.constData(), path.constData()), 0);  // a loop: every look fails
+  restart();
+  queue->loadBackupQueue();
+  EXPECT_TRUE(queue->isEmpty());
+  appendAndSave("/photos/Ben/Ben_0002.JPG");
+  queue->finishWriting();
+  ASSERT_TRUE(QFile::remove(path + ".unread"));
+  ASSERT_TRUE(QFile::rename(path + ".away", path + ".unread"));
+
+  restart();
+  queue->loadBackupQueue();
+  EXPECT_EQ(queue->paths(), QStringList({"/photos/Anna/Anna_0001.JPG", "/photos/Ben/Ben_0002.JPG"}));
+  EXPECT_EQ(stored(), queue->paths());
+  EXPECT_FALSE(QFile::exists(path + ".unread"));
 }
 
 TEST_F(BackupQueueTest, KeepsAFolderAsideThatStandsInItsPlace) {

@@ -109,6 +109,17 @@ TEST_F(FolderReaderTest, TellsTheStatusOfAnEntryAndNoneOfOneThatIsGone) {
   EXPECT_FALSE(FolderReader(path("missing")).status("file"));
 }
 
+TEST_F(FolderReaderTest, CallsMissingOnlyWhatTheSystemSaysIsNotThere) {
+  makeFile("file");
+  makeLink("nowhere", "none");
+  makeLink("loop", "loop");
+  EXPECT_FALSE(pathIsMissing(path("file")));
+  EXPECT_TRUE(pathIsMissing(path("none")));
+  EXPECT_TRUE(pathIsMissing(path("file/below")));
+  EXPECT_TRUE(pathIsMissing(path("nowhere")));
+  EXPECT_FALSE(pathIsMissing(path("loop")));
+}
+
 TEST_F(FolderReaderTest, ReadsAHundredThousandEntries) {
   constexpr int kEntries = 100'000;
   for (int i = 0; i < kEntries; ++i) {

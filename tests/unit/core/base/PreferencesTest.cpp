@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QSettings>
+#include <QSysInfo>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "core/base/Preferences.h"
 
@@ -268,6 +271,40 @@ TEST_F(PreferencesTest, WorksFromMemoryWhereTheFileCannotBe) {
   preferences.setLastCounterValue(7);
   preferences.synchronizeAndWait();
   EXPECT_EQ(preferences.lastCounterValue(), 7);
+}
+
+TEST_F(PreferencesTest, IsNotHeldUpByALockThatSomethingLeftBehind) {
+  QFile lock(path(QStringLiteral("preferences.ini.lock")));
+  ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
+  lock.write(QByteArray::number(static_cast<qint64>(::getpid())) + "\npreferences_tests\n" +
+             QSysInfo::machineHostName().toUtf8() + "\n");
+  lock.close();
+  Preferences preferences(path());
+  preferences.setLastCounterValue(7);
+  QElapsedTimer elapsed;
+  elapsed.start();
+  preferences.synchronizeAndWait();
+  EXPECT_LT(elapsed.elapsed(), 2000);
+  EXPECT_EQ(Preferences(path()).lastCounterValue(), 7);
+}
+
+TEST_F(PreferencesTest, LeavesSettingsInTheFileThatItCouldNotReadAtTheLaunch) {
+  const QByteArray name = QFile::encodeName(path());
+  ASSERT_EQ(::symlink(name.constData(), name.constData()), 0);
+  Preferences preferences(path());
+  ASSERT_EQ(::unlink(name.constData()), 0);
+  writeFile("[General]\nAmbrelBackupDir=/backup\nAmbrelLastCounterValue=3\n");
+  preferences.setLastCounterValue(7);
+  preferences.synchronizeAndWait();
+  EXPECT_EQ(Preferences(path()).backupDir(), QStringLiteral("/backup"));
+  EXPECT_EQ(Preferences(path()).lastCounterValue(), 7);
+}
+
+TEST_F(PreferencesTest, LeavesNothingBesideTheFile) {
+  Preferences preferences(path());
+  preferences.setLastCounterValue(7);
+  preferences.synchronizeAndWait();
+  EXPECT_EQ(filesKept(), QStringList(QStringLiteral("preferences.ini")));
 }
 
 }  // namespace

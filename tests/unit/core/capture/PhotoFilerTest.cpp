@@ -617,7 +617,7 @@ class Rival {
 };
 
 TEST_F(PhotoFilerTest, OverwritesNothingWhileAnotherProgramRacesForEveryNumber) {
-  constexpr int kRounds = 2000;
+  constexpr int kRounds = 10'000;
   Rival rival;
   files.callBefore(Operation::Move, [&](const QString&, const QString& to) { rival.want(to); });
   for (int i = 0; i < kRounds; ++i)

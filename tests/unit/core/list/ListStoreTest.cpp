@@ -1,7 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "ListFixture.h"
+#include "core/list/GridFile.h"
 #include "core/list/ListStore.h"
 
 namespace ambrel {
@@ -45,6 +51,70 @@ TEST_F(ListStoreTest, GivesNoneWithoutAFile) {
 TEST_F(ListStoreTest, GivesNoRowsForAFileThatCannotBeRead) {
   ASSERT_TRUE(QDir().mkpath(store.gridStorePath()));
   EXPECT_EQ(store.load(), Rows{});
+}
+
+TEST_F(ListStoreTest, KeepsAFileThatCouldNotBeReadAsideBeforeItSaves) {
+  ASSERT_TRUE(QDir().mkpath(store.gridStorePath() + QStringLiteral("/of somebody else")));
+  EXPECT_EQ(store.load(), Rows{});
+  EXPECT_TRUE(save({{"Anna"}}));
+  EXPECT_EQ(store.load(), (Rows{{"Anna", "", "0", ""}}));
+  EXPECT_TRUE(QDir(store.gridStorePath() + QStringLiteral(".unread/of somebody else")).exists());
+}
+
+TEST_F(ListStoreTest, OverwritesNothingThatItKeptAsideBefore) {
+  ASSERT_TRUE(QDir().mkpath(store.gridStorePath() + QStringLiteral(".unread")));
+  ASSERT_TRUE(QDir().mkpath(store.gridStorePath()));
+  EXPECT_EQ(store.load(), Rows{});
+  EXPECT_TRUE(save({{"Anna"}}));
+  EXPECT_TRUE(QDir(store.gridStorePath() + QStringLiteral(".unread-2")).exists());
+}
+
+TEST_F(ListStoreTest, TakesAFileThatCannotBeSeenForAListThatCannotBeRead) {
+  const QByteArray path = QFile::encodeName(store.gridStorePath());
+  ASSERT_EQ(::symlink(path.constData(), path.constData()),
+            0);  // a loop: every look fails, and not for want of it
+  EXPECT_EQ(store.load(), Rows{});
+}
+
+TEST_F(ListStoreTest, ReplacesWhatAnotherProgramWroteMeanwhileByTheWholeList) {
+  save({{"Anna"}, {"Ben"}});
+  QFile file(store.gridStorePath());
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Append));
+  file.write("\nSomebody,\"else");
+  file.close();
+  EXPECT_TRUE(save({{"Anna"}, {"Cara"}}));
+  EXPECT_EQ(store.load(), (Rows{{"Anna", "", "0", ""}, {"Cara", "", "0", ""}}));
+}
+
+TEST_F(ListStoreTest, KeepsALinkThatStandsInItsPlaceAndSavesToWhereItLeads) {
+  const QString elsewhere = locations.applicationSupport + QStringLiteral("/elsewhere.csv");
+  ASSERT_TRUE(QFile::link(elsewhere, store.gridStorePath()));
+  QFile file(elsewhere);
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  file.close();
+  EXPECT_TRUE(save({{"Anna"}}));
+  EXPECT_EQ(QFile::symLinkTarget(store.gridStorePath()), elsewhere);
+  EXPECT_EQ(readGrid(elsewhere), (Rows{{"Anna", "", "0", ""}}));
+}
+
+// A superuser may write anywhere, so that the test becomes somebody else.
+TEST_F(ListStoreTest, KeepsTheListInAFolderThatMayNotBeWrittenAndSaysThatItFailed) {
+  constexpr uid_t kNobody = 65534;
+  save({{"Anna"}});
+  store.finishFlush();
+  const QString folder = QFileInfo(store.gridStorePath()).path();
+  ASSERT_EQ(::chmod(QFile::encodeName(home.path()).constData(), 0755), 0);
+  ASSERT_EQ(::chmod(QFile::encodeName(folder).constData(), 0555), 0);
+  const pid_t child = fork();
+  if (child == 0) {
+    if (::geteuid() == 0 && ::seteuid(kNobody) != 0) ::_exit(3);
+    ::_exit(save({{"Ben"}}) ? 1 : 0);
+  }
+  int status = 0;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  ASSERT_EQ(::chmod(QFile::encodeName(folder).constData(), 0755), 0);
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(store.load(), (Rows{{"Anna", "", "0", ""}}));
 }
 
 TEST_F(ListStoreTest, SavesOnTheCallingThreadAndFlushesBehind) {
