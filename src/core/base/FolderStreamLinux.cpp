@@ -21,6 +21,10 @@ FolderStream::~FolderStream() {
 }
 
 const dirent* FolderStream::next() {
+  if (_descriptor < 0) {
+    errno = EBADF;
+    return nullptr;
+  }
   if (_position == _size) {
     const ssize_t count = ::getdents64(_descriptor, _entries.get(), kBytesAtOnce);
     _position = 0;

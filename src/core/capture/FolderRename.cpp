@@ -72,8 +72,9 @@ FolderRename::Work FolderRename::renamePairs(Files& files, const std::vector<Pai
     if (const Result<std::string> name = checkedFolderName(pair.folder, pair.newName); name) {
       outcome = renameFolderFSAt(files, pair.folder, name.value(), stop);
       work.nothingTried = false;
-      // Also after a rename that was refused.
-      if (!pair.backupCopy.empty()) work.mirrored.push_back({pair.backupCopy, name.value()});
+      // Also after a rename that was refused; but never out of the backup folder.
+      if (!pair.backupCopy.empty() && name.value() != "..")
+        work.mirrored.push_back({pair.backupCopy, name.value()});
     } else {
       outcome.message = name.error();
     }

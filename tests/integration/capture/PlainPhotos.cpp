@@ -230,7 +230,7 @@ Result<std::string> PlainPhotos::newNameOf(const Pair& pair) const {
   return name;
 }
 
-// The copies in the backup follow whatever came of the folders themselves.
+// The copies in the backup follow whatever came of the folders themselves, but stay below the backup folder.
 PlainPhotos::Renamed PlainPhotos::renamePairs(const std::vector<Pair>& pairs, bool& tried) {
   Renamed all;
   std::vector<std::pair<std::string, std::string>> copies;
@@ -240,7 +240,7 @@ PlainPhotos::Renamed PlainPhotos::renamePairs(const std::vector<Pair>& pairs, bo
       tried = true;
       one = renameOnDisk(pair.folder, name.value());
       const auto copy = pair.folder.starts_with(target) ? backupOf(pair.folder) : std::nullopt;
-      if (copy) copies.emplace_back(*copy, name.value());
+      if (copy && name.value() != "..") copies.emplace_back(*copy, name.value());
     } else {
       one.message = name.error();
     }

@@ -455,6 +455,13 @@ TEST_F(FolderRenameTest, ANameThatIsRefusedReachesNoBackup) {
   EXPECT_EQ(allBelow(backup), (Names{"Ann/", "Ann/Ann_0001.JPG"}));
 }
 
+TEST_F(FolderRenameTest, ANameOfTwoDotsLeadsNoCopyOutOfTheBackupFolder) {
+  backupOn = true;
+  makeFiles({"Ann/Ann_0001.JPG", "../Backup/Ann/Ann_0001.JPG"});
+  apply(inTargetDir("Ann"), "..");
+  EXPECT_EQ(allBelow(backup), (Names{"Ann/", "Ann/Ann_0001.JPG"}));
+}
+
 TEST_F(FolderRenameTest, ABackupThatFailsIsNotReported) {
   backupOn = true;
   makeFiles({"Ann/Ann_0001.JPG", "../Backup/Ann/Ann_0001.JPG"});
