@@ -25,8 +25,9 @@ namespace {
 
 constexpr int kRounds = 3;
 constexpr int kQueued = 5'000;
-constexpr int kFiledPerRound = 100;
+constexpr int kFiledPerRound = 50;
 constexpr int kFilingRounds = 12;
+constexpr int kBusyPhotos = 80;  // outlast the filing
 constexpr qsizetype kBusyPhotoBytes = 8 << 20;
 
 struct Photos {
@@ -280,7 +281,7 @@ void fileBeside(BackupAtWork work, const QString& folder, std::vector<double>& t
   });
   if (work != BackupAtWork::Off) backup.chooseBackupFolder();
   if (work == BackupAtWork::Running || work == BackupAtWork::Hung) {
-    for (int i = 0; i < 40; ++i)
+    for (int i = 0; i < kBusyPhotos; ++i)
       backup.backupSavedFile(photoPath(busyFolder, i));
     while (!backup.state().busy)
       QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
@@ -308,7 +309,7 @@ double p99(std::vector<double> times) {
 }
 
 void measureFiling(Goals& goals, const QString& folder) {
-  makePhotos(folder + QStringLiteral("/busy"), {40, kBusyPhotoBytes});
+  makePhotos(folder + QStringLiteral("/busy"), {kBusyPhotos, kBusyPhotoBytes});
   std::vector<double> off;
   std::vector<double> idle;
   std::vector<double> running;
