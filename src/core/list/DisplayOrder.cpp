@@ -14,6 +14,17 @@ QString searchNeedle(const QString& searchText) {
   return NSTrim(searchText).toLower();
 }
 
+// Without a branch: in a sorted list the processor could not foresee which rows stay.
+template <typename Stays>
+void keepRows(std::vector<qint64>& rows, Stays stays) {
+  std::size_t kept = 0;
+  for (const qint64 row : rows) {
+    rows[kept] = row;
+    kept += stays(row) ? 1 : 0;
+  }
+  rows.resize(kept);
+}
+
 }  // namespace
 
 CaptureFilter nextCaptureFilter(CaptureFilter filter) {
@@ -123,21 +134,19 @@ void DisplayOrder::updatePhotoFlags(const NameGrid& grid) {
 void DisplayOrder::keepFilter(const NameGrid& grid, CaptureFilter filter) {
   updatePhotoFlags(grid);
   const char hidden = filter == CaptureFilter::WithPhotos ? 0 : 1;
-  std::erase_if(_filteredRows,
-                [&](qint64 row) { return _hasPhotos[static_cast<std::size_t>(row)] == hidden; });
+  keepRows(_filteredRows, [&](qint64 row) { return _hasPhotos[static_cast<std::size_t>(row)] != hidden; });
 }
 
 void DisplayOrder::putIntoOrder(const std::vector<qint64>& order) {
-  if (_filteredRows.size() == order.size()) {
-    _filteredRows = order;
-    return;
+  const bool showsAll = _filteredRows.size() == order.size();
+  std::vector<char> shown(showsAll ? 0 : order.size());
+  if (!showsAll) {
+    for (const qint64 row : _filteredRows)
+      shown[static_cast<std::size_t>(row)] = 1;
   }
-  std::vector<char> shown(order.size());
-  for (const qint64 row : _filteredRows)
-    shown[static_cast<std::size_t>(row)] = 1;
-  auto next = _filteredRows.begin();
-  for (const qint64 row : order)
-    if (shown[static_cast<std::size_t>(row)] != 0) *next++ = row;
+  _filteredRows = order;
+  if (!showsAll)
+    keepRows(_filteredRows, [&](qint64 row) { return shown[static_cast<std::size_t>(row)] != 0; });
 }
 
 }  // namespace ambrel
