@@ -44,7 +44,8 @@ std::optional<std::vector<Row>> ListStore::load() {
   // A network home may answer the first call after a pause with an error, and the next one properly.
   if (!rows) rows = readGrid(path);
   _unread = !rows;
-  return rows.value_or(std::vector<Row>());
+  if (_unread) rows.emplace();
+  return rows;
 }
 
 bool ListStore::keepUnreadFileAside() {
