@@ -16,8 +16,7 @@
 #include "core/backup/QueueFile.h"
 #include "core/base/PosixFiles.h"
 #include "core/base/SystemClock.h"
-#include "core/capture/CaptureSettings.h"
-#include "core/capture/PhotoFiler.h"
+#include "support/FilingSession.h"
 #include "support/Goals.h"
 
 namespace ambrel::bench {
@@ -264,15 +263,8 @@ void fileBeside(BackupAtWork work, const QString& folder, std::vector<double>& t
   Backup backup(
       clock, nobody, work == BackupAtWork::Hung ? hanging : files, statusLine, preferences, locations,
       {.targetDir = [&] { return busyFolder; }, .isImageFileName = [](const QString&) { return true; }}, {});
-  CaptureSettings settings;
-  settings.setTargetDir(target);
-  PhotoFiler filer(files, {.targetDir = [&] { return settings.targetDir(); },
-                           .selectedQueueItemName = [] { return std::string("Bob"); },
-                           .enabledSuffixString = [] { return QString(); },
-                           .captureRow = [] { return 0; },
-                           .counter = [&] { return settings.counter(); },
-                           .advanceCounterPast = [&](qint64 used) { settings.advanceCounterPast(used); },
-                           .witness = [&] { return witnessOf(backup); }});
+  FilingSession session(target, [&] { return witnessOf(backup); });
+  PhotoFiler& filer = session.filer;
   int filed = 0;
   QString lastFiled;
   QObject::connect(&filer, &PhotoFiler::filed, [&](const QString& path) {

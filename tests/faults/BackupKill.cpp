@@ -22,6 +22,7 @@
 #include "core/backup/QueueFile.h"
 #include "core/base/PosixFiles.h"
 #include "core/base/SystemClock.h"
+#include "faults/KillFolders.h"
 
 namespace ambrel {
 namespace {
@@ -44,20 +45,8 @@ class NobodyAsks : public Operator {
   void beep() override {}
 };
 
-struct Folders {
-  explicit Folders(const QString& path) : home(path), target(path + "/Shots"), copies(path + "/Copies") {}
-  QString home;
-  QString target;
-  QString copies;
-};
-
 QString photoName(int number) {
   return QStringLiteral("Person %1/Person_%2.JPG").arg(number % 7).arg(number, 4, 10, QLatin1Char('0'));
-}
-
-QByteArray bytesOf(const QString& path) {
-  QFile file(path);
-  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 // The process that is to be killed: goes on with the queue that it finds, and is told of the photos from the

@@ -19,6 +19,7 @@
 
 #include "core/app/AmbrelAppDelegate.h"
 #include "core/base/PosixFiles.h"
+#include "faults/KillFolders.h"
 #include "support/RecordingScreen.h"
 #include "support/TestClock.h"
 #include "support/TestLink.h"
@@ -37,13 +38,6 @@ class NobodyAsks : public Operator {
   void ask(const Question&, std::function<void(const Answer&)>) override {}
   void choosePath(const PathRequest&, std::function<void(const QString&)>) override {}
   void beep() override {}
-};
-
-struct Folders {
-  explicit Folders(const QString& path) : home(path), target(path + "/Shots"), copies(path + "/Copies") {}
-  QString home;
-  QString target;
-  QString copies;
 };
 
 // Ends the process around the n-th photo that is moved; 0 for never.
@@ -110,11 +104,6 @@ QStringList filesBelow(const QString& folder) {
   for (QDirIterator walk(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories); walk.hasNext();)
     found.append(walk.next());
   return found;
-}
-
-QByteArray bytesOf(const QString& path) {
-  QFile file(path);
-  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 // The next launch; says what is neither copied nor queued.
