@@ -6,6 +6,7 @@
 #include <QSettings>
 #include <QStringDecoder>
 #include <QTemporaryDir>
+#include <algorithm>
 #include <array>
 
 #include "core/base/PosixFiles.h"
@@ -75,8 +76,12 @@ bool isText(const QByteArray& bytes) {
 // None for what is no file of settings.
 std::optional<Values> parsed(const QString& path) {
   const QSettings settings(path, QSettings::IniFormat);
-  (void)settings.allKeys();  // a section is parsed once it is asked for
-  if (settings.status() == QSettings::FormatError) return std::nullopt;
+  // A section is parsed once it is asked for. A key in a section without a name is out of reach, and the next
+  // writing would bring it up among ours.
+  const QStringList keys = settings.allKeys();
+  const bool reachable = std::none_of(keys.begin(), keys.end(),
+                                      [](const QString& key) { return key.startsWith(QLatin1Char('/')); });
+  if (!reachable || settings.status() == QSettings::FormatError) return std::nullopt;
   Values values;
   for (const char* key : kKeys) {
     const QString name = QLatin1String(key);
@@ -97,6 +102,42 @@ std::optional<Values> parsedCopy(const QString& original, const QByteArray& byte
   const bool written = copy.open(QIODevice::WriteOnly) && copy.write(bytes) == bytes.size() && copy.flush();
   copy.close();
   return parsed(written ? copy.fileName() : original);
+}
+
+struct Encoding {
+  std::optional<QByteArray> bytes;  // none where the disk failed
+  bool readable = true;
+};
+
+// The settings put into `before`, the bytes of a file of settings. QSettings is only the encoder, in a folder
+// of its own: beside the file it would keep a lock, and one that a failing disk left behind would hold up
+// everything until it is stale. Some keys of others it writes so that it cannot read the file again.
+Encoding encode(const QByteArray& before, const Values& values, const QSet<QString>& removed) {
+  const QTemporaryDir folder;
+  if (!folder.isValid()) return {};
+  const QString copy = folder.filePath(QStringLiteral("preferences.ini"));
+  QFile file(copy);
+  if (!file.open(QIODevice::WriteOnly) || file.write(before) != before.size() || !file.flush()) return {};
+  file.close();
+  {
+    QSettings settings(copy, QSettings::IniFormat);
+    for (const QString& key : removed)
+      settings.remove(key);
+    for (auto value = values.cbegin(); value != values.cend(); ++value)
+      settings.setValue(value.key(), value.value());
+    settings.sync();
+    if (settings.status() == QSettings::AccessError) return {};
+    if (settings.status() == QSettings::FormatError) return {.bytes = std::nullopt, .readable = false};
+  }
+  const std::optional<QByteArray> bytes = bytesOf(copy);
+  if (!bytes) return {};
+  const auto isReadBack = [&] {
+    const std::optional<Values> read = parsedCopy(copy, *bytes);
+    return read && std::all_of(values.keyBegin(), values.keyEnd(),
+                               [&read](const QString& key) { return read->contains(key); });
+  };
+  // Twice, for a read that fails looks like an empty file.
+  return {.bytes = bytes, .readable = isReadBack() || isReadBack()};
 }
 
 void keepAside(const QString& path) {
@@ -252,32 +293,23 @@ void Preferences::remove(const char* key) {
   _changed = true;
 }
 
-// QSettings is only the encoder, in a folder of its own. Beside the file it would keep a lock, and one that a
-// failing disk left behind would hold up everything until it is stale. Settings that are not in memory stay
-// as the file has them: perhaps it could not be read at the launch.
+// Settings that are not in memory stay as the file has them: perhaps it could not be read at the launch.
 void Preferences::write() {
   Snapshot snapshot;
   {
     const std::lock_guard lock(_mutex);
     snapshot = _toWrite;
   }
-  const QTemporaryDir folder;
-  if (!folder.isValid()) return;
-  const QString copy = folder.filePath(QStringLiteral("preferences.ini"));
-  if (QFile::exists(_file) && !QFile::copy(_file, copy)) return;
-  {
-    QSettings settings(copy, QSettings::IniFormat);
-    for (const QString& key : snapshot.removed)
-      settings.remove(key);
-    for (auto value = snapshot.values.cbegin(); value != snapshot.values.cend(); ++value)
-      settings.setValue(value.key(), value.value());
-    settings.sync();
-    if (settings.status() != QSettings::NoError) return;
+  const std::optional<QByteArray> before = QFile::exists(_file) ? bytesOf(_file) : QByteArray();
+  if (!before) return;
+  Encoding encoding = encode(*before, snapshot.values, snapshot.removed);
+  if (!encoding.readable && !before->isEmpty()) {
+    keepAside(_file);
+    encoding = encode(QByteArray(), snapshot.values, snapshot.removed);
   }
-  const std::optional<QByteArray> bytes = bytesOf(copy);
-  if (!bytes) return;
+  if (!encoding.bytes) return;
   QDir().mkpath(_file.left(_file.lastIndexOf(QLatin1Char('/'))));
-  (void)PosixFiles().replaceWhole(_file, *bytes);
+  (void)PosixFiles().replaceWhole(_file, *encoding.bytes);
 }
 
 }  // namespace ambrel

@@ -243,10 +243,46 @@ TEST_F(PreferencesTest, KeepsABinaryFileAside) {
   EXPECT_EQ(contentOf(path(QStringLiteral("preferences.ini.broken"))), broken);
 }
 
+TEST_F(PreferencesTest, KeepsAFileAsideWhoseKeysAreInASectionWithoutAName) {
+  for (const char* unreachable :
+       {"[]General]\nAmbrelLastTargetDir=/Shots\n", "\\AmbrelLastTargetDir=/Shots\n"}) {
+    writeFile(unreachable);
+    Preferences preferences(path());
+    EXPECT_EQ(preferences.lastTargetDir(), std::nullopt);
+    preferences.setLastCounterValue(8);
+    preferences.synchronizeAndWait();
+    const Preferences again(path());
+    EXPECT_EQ(again.lastCounterValue(), 8);
+    EXPECT_EQ(again.lastTargetDir(), std::nullopt);
+  }
+  EXPECT_EQ(filesKept().size(), 3);
+}
+
 TEST_F(PreferencesTest, KeepsAFileThatIsNotUtf8Aside) {
   writeFile("AmbrelLastTargetDir=Sch\xfcler\n");
   EXPECT_EQ(Preferences(path()).lastTargetDir(), std::nullopt);
   EXPECT_EQ(filesKept(), QStringList(QStringLiteral("preferences.ini.broken")));
+}
+
+// Such a key is read well, but written back without what separates it from its value.
+TEST_F(PreferencesTest, IsNotStoppedByAStrangersKeyThatCannotBeWritten) {
+  const QByteArray strange = "[Stranger]\nKey/=1\n";
+  writeFile(strange);
+  {
+    Preferences preferences(path());
+    preferences.setLastCounterValue(8);
+  }
+  EXPECT_EQ(Preferences(path()).lastCounterValue(), 8);
+  EXPECT_EQ(contentOf(path(QStringLiteral("preferences.ini.broken"))), strange);
+}
+
+TEST_F(PreferencesTest, IsNotStoppedByAFileThatBreaksWhileItIsOpen) {
+  Preferences preferences(path());
+  writeFile("this is no setting\n");
+  preferences.setLastCounterValue(8);
+  preferences.synchronizeAndWait();
+  EXPECT_EQ(Preferences(path()).lastCounterValue(), 8);
+  EXPECT_EQ(filesKept().size(), 2);
 }
 
 TEST_F(PreferencesTest, KeepsEveryBrokenFileUnderANameOfItsOwn) {
