@@ -246,7 +246,9 @@ void Preferences::setLastUpdateCheck(const QDateTime& time) {
 }
 std::optional<QVariantList> Preferences::suffixes() const {
   const QVariant value = _values.value(QLatin1String(kSuffixes));
-  return value.typeId() == QMetaType::QVariantList ? std::optional(value.toList()) : std::nullopt;
+  // A list of nothing but words is read as one of texts.
+  const bool isList = value.typeId() == QMetaType::QVariantList || value.typeId() == QMetaType::QStringList;
+  return isList ? std::optional(value.toList()) : std::nullopt;
 }
 void Preferences::setSuffixes(const QVariantList& suffixes) {
   set(kSuffixes, suffixes);
