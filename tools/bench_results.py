@@ -4,10 +4,13 @@
 
 bench_results.py compare OLD NEW     each figure beside the one of an earlier run; exits 1 where one is a quarter worse
 bench_results.py growth NEW PICTURE  the growth of cost as an SVG, from the results of the group "growth"
+bench_results.py report NEW DOCUMENT the tables of a document, each between "<!-- figures: PROGRAM -->" and
+                                     "<!-- end of figures -->", written anew
 """
 import json
 import math
 import pathlib
+import re
 import sys
 
 WORSE = 1.25  # the figures are ratios to a peer of the same run, but a busy machine still moves them
@@ -84,8 +87,57 @@ def growth(path, picture):
     return 0
 
 
+def number(value):
+    """Three digits that count, with no exponent."""
+    if value == 0:
+        return "0"
+    digits = max(0, 2 - math.floor(math.log10(abs(value))))
+    return f"{value:,.{digits}f}"
+
+
+def measured(value, unit, spread):
+    return f"{number(value)} {unit}".strip() + (f" ±{spread * 100:.0f} %" if spread >= 0.005 else "")
+
+
+def goal_of(result):
+    """What the figure is held against, and whether it holds."""
+    if not result["goal"]:
+        return "", ""
+    ratio = bool(result["peer_name"])
+    goal = f"{number(result['goal'])} ×" if ratio else f"{number(result['goal'])} {result['unit']}".strip()
+    return f"≤ {goal}", "yes" if result["met"] else "**missed**"
+
+
+def table(rows):
+    lines = ["| work | ours | peer or limit | ours / peer | goal | met |", "|---|---:|---|---:|---:|---|"]
+    for result in rows:
+        peer = ""
+        ratio = ""
+        if result["peer_name"]:
+            peer = f"{result['peer_name']}: {measured(result['peer'], result['unit'], 0)}"
+            ratio = number(result["figure"])
+        goal, met = goal_of(result)
+        ours = measured(result["ours"], result["unit"], result["spread"])
+        lines.append(f"| {result['what']} | {ours} | {peer} | {ratio} | {goal} | {met} |")
+    return "\n".join(lines)
+
+
+def report(path, document):
+    measurements = list(results(path).values())
+    text = pathlib.Path(document).read_text()
+
+    def filled(block):
+        rows = [r for r in measurements if r["program"] == block[1]]
+        # What has not been measured this time keeps the figures of the last.
+        return f"<!-- figures: {block[1]} -->\n{table(rows)}\n<!-- end of figures -->" if rows else block[0]
+
+    pathlib.Path(document).write_text(
+        re.sub(r"<!-- figures: (\w+) -->\n.*?<!-- end of figures -->", filled, text, flags=re.DOTALL))
+    return 0
+
+
 if __name__ == "__main__":
-    commands = {"compare": compare, "growth": growth}
+    commands = {"compare": compare, "growth": growth, "report": report}
     if len(sys.argv) != 4 or sys.argv[1] not in commands:
         sys.exit(__doc__)
     sys.exit(commands[sys.argv[1]](*sys.argv[2:]))
