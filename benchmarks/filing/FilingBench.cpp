@@ -112,13 +112,13 @@ void withTheSystemAlone(const QString& download, const QString& target, qint64& 
   require(::rename(from.constData(), to.constData()) == 0, "not moved");
 }
 
-// Adds the milliseconds that each photo of a round took.
+// Adds the microseconds that each photo of a round took.
 template <typename FileOne>
 void timeEach(FileOne fileOne, std::vector<double>& times) {
   runRound([&](const Downloads& downloads, const QString& target) {
     qint64 number = 1;
     for (const QString& path : downloads) {
-      times.push_back(millisecondsOf([&] { fileOne(path, target, number); }));
+      times.push_back(1000 * millisecondsOf([&] { fileOne(path, target, number); }));
     }
   });
 }
@@ -140,11 +140,11 @@ int run() {
     timeEach(withTheSystemAlone, limit);
   }
   Goals goals;
-  goals.atMost("filing a photo, whole road (>= 1,500/s)", median(road), 1000 / kPhotosPerSecond);
-  goals.atMostTimes("file-system work of one photo", median(ours) * 1000, "QDir + QFile::rename",
-                    median(qtListing) * 1000, 1 / kTimesFasterThanQt, "us");
-  goals.mention("QDir::exists + QFile::rename", median(qtExists) * 1000, "us");
-  goals.mention("rename alone (with two mkdir)", median(limit) * 1000, "us");
+  goals.atMost("filing a photo, whole road (>= 1,500/s)", road, 1000 / kPhotosPerSecond);
+  goals.atMostTimes("file-system work of one photo", ours, "QDir + QFile::rename", qtListing,
+                    1 / kTimesFasterThanQt, "us");
+  goals.mention("QDir::exists + QFile::rename", qtExists, "us");
+  goals.mention("rename alone (with two mkdir)", limit, "us");
   return goals.exitCode();
 }
 
