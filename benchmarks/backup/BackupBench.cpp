@@ -107,7 +107,7 @@ void copyOurs(const Photos& photos, const QString& from, const QString& to) {
                             .next = sources.mid(i + 1, CopiesAhead::kMaxCopies)});
     require(outcome.kind == BackupOutcome::Kind::Done, "not copied");
   }
-  if (!outcome.settled) windUp(ahead);
+  require(outcome.names != BackupOutcome::Names::InDoubt && windUp(ahead), "not on the disk");
 }
 
 void waitUntilEmpty(const Backup& backup) {

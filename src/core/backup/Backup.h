@@ -89,6 +89,7 @@ class Backup : public QObject {
   void copyEnded(const QString& source, const BackupOutcome& outcome);
   void copyFailed(const QString& message);
   void copySucceeded(const QString& source, const BackupOutcome& outcome);
+  void settleNames(BackupOutcome::Names names);
   void scheduleBackupRetry();
   void backupRetryTick();
   void stopTimer(Clock::TimerId& timer);

@@ -2,6 +2,7 @@
 #include "core/backup/BackupQueue.h"
 
 #include <QFileInfo>
+#include <algorithm>
 #include <utility>
 
 #include "core/backup/BackupCopy.h"
@@ -124,8 +125,21 @@ void BackupQueue::finish(const QString& path) {
   _finished.append(path);
 }
 
-void BackupQueue::settleFinished() {
-  _gone += std::exchange(_finished, {});
+bool BackupQueue::settleFinished() {
+  const QStringList finished = std::exchange(_finished, {});
+  _gone += finished;
+  return !finished.isEmpty();
+}
+
+qint64 BackupQueue::putFinishedBack() {
+  QStringList back = std::exchange(_finished, {});
+  back.erase(std::remove_if(back.begin(), back.end(),
+                            [this](const QString& path) { return _savedWith.contains(path); }),
+             back.end());
+  for (const QString& path : back)
+    _savedWith.insert(path, _lastSettled);  // they are in the file
+  _paths = back + _paths;
+  return back.size();
 }
 
 void BackupQueue::clear() {

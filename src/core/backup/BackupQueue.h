@@ -43,7 +43,10 @@ class BackupQueue : public QObject {
   // Leaves the queue, but stays in its file until settleFinished: a copy is there and may yet be undone by a
   // crash.
   void finish(const QString& path);
-  void settleFinished();
+  // Whether there was one.
+  bool settleFinished();
+  // Their copies are in doubt: they wait again, before all others. Returns how many.
+  qint64 putFinishedBack();
   void clear();
 
   qint64 size() const { return _paths.size(); }

@@ -193,6 +193,29 @@ TEST_F(BackupQueueTest, KeepsAFinishedPhotoInItsFileUntilThatIsSettled) {
   EXPECT_EQ(stored(), (QStringList{"/b", "/c"}));
 }
 
+TEST_F(BackupQueueTest, PutsFinishedPhotosBackBeforeAllOthers) {
+  for (const QString path : {"/a", "/b", "/c"})
+    appendAndSave(path);
+  stored();
+  queue->finish("/a");
+  queue->finish("/b");
+  EXPECT_EQ(queue->putFinishedBack(), 2);
+  EXPECT_EQ(queue->paths(), (QStringList{"/a", "/b", "/c"}));
+  EXPECT_FALSE(queue->append("/a"));
+  EXPECT_FALSE(queue->settleFinished());
+  queue->saveBackupQueue();
+  EXPECT_EQ(stored(), queue->paths());
+  ASSERT_TRUE(runEventsUntil([&] { return queue->firstMayGo(); }));
+}
+
+TEST_F(BackupQueueTest, HoldsAPhotoOnceThatIsPutBackAfterItWasFiledAnew) {
+  appendAndSave("/a");
+  queue->finish("/a");
+  queue->append("/a");
+  EXPECT_EQ(queue->putFinishedBack(), 0);
+  EXPECT_EQ(queue->paths(), QStringList{"/a"});
+}
+
 TEST_F(BackupQueueTest, NamesThePhotosAfterTheFirstThatCountAsQueued) {
   EXPECT_EQ(queue->next(2), QStringList());
   for (const QString path : {"/a", "/b", "/c"})
