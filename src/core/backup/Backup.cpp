@@ -56,7 +56,7 @@ void Backup::restore() {
 
 void Backup::stop() {
   _stopped = true;
-  for (Clock::TimerId* timer : {&_backupTimer, &_slowTimer, &_saveTimer})
+  for (Clock::TimerId* timer : {&_backupTimer, &_slowTimer, &_saveTimer, &_holdTimer})
     stopTimer(*timer);
 }
 
@@ -87,13 +87,15 @@ void Backup::processBackupQueue() {
     return;
   }
   // A photo that does not count as queued yet is taken up when it does.
-  if (_backupDir.isEmpty() || _windingUp || !_backupQueue.firstMayGo()) return;
+  if (_backupDir.isEmpty() || _windingUp || isHeld() || !_backupQueue.firstMayGo()) return;
   startCopy(_backupQueue.paths().first());
 }
 
 void Backup::startCopy(const QString& source) {
   _backupBusy = true;
   _backupSlow = false;
+  _copying = source;
+  _copyMoved = false;
   Q_EMIT changed();
   _slowTimer = _clock.callAfter(kSlowAfter, this, [this] {
     _backupSlow = true;
@@ -119,6 +121,7 @@ void Backup::startWindUp() {
       _windingUp = false;
       settleNames(names);
       processBackupQueue();
+      tellRest();
     };
   });
 }
@@ -127,13 +130,18 @@ void Backup::copyEnded(const QString& source, const BackupOutcome& outcome) {
   stopTimer(_slowTimer);
   _backupBusy = false;
   _backupSlow = false;
-  if (outcome.kind == Kind::Failed) {
+  if (_copyMoved || (isHeld() && outcome.kind != Kind::Done)) {
+    // It waits under its new path, or is about to.
+    settleNames(outcome.names);
+    processBackupQueue();
+  } else if (outcome.kind == Kind::Failed) {
     settleNames(outcome.names);
     copyFailed(outcome.message);
   } else {
     copySucceeded(source, outcome);
   }
   if (!_backupBusy && (outcome.copiesAhead || outcome.names == Names::Waiting)) startWindUp();
+  tellRest();
   Q_EMIT changed();
 }
 
