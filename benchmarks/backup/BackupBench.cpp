@@ -6,16 +6,22 @@
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <atomic>
+#include <fcntl.h>
 #include <fstream>
 #include <numeric>
+#include <optional>
 #include <semaphore>
 #include <string>
+#include <thread>
+#include <unistd.h>
 
 #include "core/backup/Backup.h"
 #include "core/backup/BackupCopy.h"
 #include "core/backup/QueueFile.h"
 #include "core/base/PosixFiles.h"
 #include "core/base/SystemClock.h"
+#include "core/base/ThreadPriority.h"
 #include "support/FilingSession.h"
 #include "support/Goals.h"
 
@@ -107,7 +113,7 @@ void copyOurs(const Photos& photos, const QString& from, const QString& to) {
                             .next = sources.mid(i + 1, CopiesAhead::kMaxCopies)});
     require(outcome.kind == BackupOutcome::Kind::Done, "not copied");
   }
-  if (!outcome.settled) windUp(ahead);
+  require(outcome.names != BackupOutcome::Names::InDoubt && windUp(ahead), "not on the disk");
 }
 
 void waitUntilEmpty(const Backup& backup) {
@@ -229,7 +235,42 @@ class HangingFiles : public PosixFiles {
   std::binary_semaphore _gate{0};
 };
 
-enum class BackupAtWork { Off, Idle, Running, Hung };
+// What no backup can do without: copies, each flushed before the next, and nothing else.
+class PlainCopier {
+ public:
+  PlainCopier(QString from, QString to)
+      : _from(std::move(from)), _to(std::move(to)), _thread([this] { run(); }) {}
+  ~PlainCopier() {
+    _stop = true;
+    _thread.join();
+  }
+  PlainCopier(const PlainCopier&) = delete;
+  PlainCopier& operator=(const PlainCopier&) = delete;
+
+ private:
+  void run() const {
+    lowerThreadPriority();
+    for (int i = 0; !_stop; ++i) {
+      const QByteArray copy = QFile::encodeName(_to + QStringLiteral("/%1").arg(i));
+      const int in = ::open(QFile::encodeName(photoPath(_from, i % kBusyPhotos)).constData(), O_RDONLY);
+      const int out = ::open(copy.constData(), O_WRONLY | O_CREAT | O_EXCL, 0666);
+      require(in >= 0 && out >= 0, "nothing to copy");
+      while (::copy_file_range(in, nullptr, out, nullptr, kBusyPhotoBytes, 0) > 0) {
+      }
+      require(::lseek(out, 0, SEEK_END) == kBusyPhotoBytes && ::fdatasync(out) == 0, "not copied");
+      ::close(in);
+      ::close(out);
+      if (i >= kBusyPhotos)
+        ::unlink(QFile::encodeName(_to + QStringLiteral("/%1").arg(i - kBusyPhotos)).constData());
+    }
+  }
+  const QString _from;
+  const QString _to;
+  std::atomic<bool> _stop = false;
+  std::thread _thread;
+};
+
+enum class BackupAtWork { Off, Idle, Running, Hung, PlainCopier };
 
 // As the application has its filing watched.
 FilingWitness witnessOf(const Backup& backup) {
@@ -272,6 +313,8 @@ void fileBeside(BackupAtWork work, const QString& folder, std::vector<double>& t
     lastFiled = path;
   });
   if (work != BackupAtWork::Off) backup.chooseBackupFolder();
+  std::optional<PlainCopier> plain;
+  if (work == BackupAtWork::PlainCopier) plain.emplace(busyFolder, copies);
   if (work == BackupAtWork::Running || work == BackupAtWork::Hung) {
     for (int i = 0; i < kBusyPhotos; ++i)
       backup.backupSavedFile(photoPath(busyFolder, i));
@@ -306,17 +349,21 @@ void measureFiling(Goals& goals, const QString& folder) {
   std::vector<double> idle;
   std::vector<double> running;
   std::vector<double> hung;
+  std::vector<double> plain;
   for (int round = 0; round < kFilingRounds; ++round) {
     fileBeside(BackupAtWork::Off, folder, off);
     fileBeside(BackupAtWork::Idle, folder, idle);
     fileBeside(BackupAtWork::Running, folder, running);
     fileBeside(BackupAtWork::Hung, folder, hung);
+    fileBeside(BackupAtWork::PlainCopier, folder, plain);
   }
   goals.mention("filing with backup off, median", median(off));
   goals.mention("filing with backup off, p99", p99(off));
   goals.mention("filing beside an idle backup, median", median(idle));
   goals.mention("filing beside a running backup, median", median(running));
+  goals.mention("filing beside a plain copier (copy, fdatasync), median", median(plain));
   goals.atMostTimes("filing beside a running backup, p99", p99(running), "an idle one", p99(idle), 1.1);
+  goals.atMostTimes("filing beside a running backup, p99", p99(running), "a plain copier", p99(plain), 1.1);
   goals.atMostTimes("filing beside a hung backup, p99", p99(hung), "an idle one", p99(idle), 1.1);
 }
 

@@ -76,6 +76,12 @@ void BrokenFiles::failAlways(Operation operation, const QString& message) {
   _plans[operation].failure = message;
 }
 
+void BrokenFiles::mend(Operation operation) {
+  const std::lock_guard lock(_mutex);
+  _plans[operation].failures.clear();
+  _plans[operation].failure.reset();
+}
+
 void BrokenFiles::callBefore(Operation operation, Hook hook) {
   const std::lock_guard lock(_mutex);
   _plans[operation].before = std::move(hook);

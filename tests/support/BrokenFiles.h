@@ -41,6 +41,8 @@ class BrokenFiles : public Files {
   // The n-th call from now on fails with `message` and does nothing; 1 is the next one.
   void failCall(Operation operation, int n, const QString& message);
   void failAlways(Operation operation, const QString& message);
+  // No call fails any more.
+  void mend(Operation operation);
   void callBefore(Operation operation, Hook hook);
   void callAfter(Operation operation, Hook hook);
   void setVolumeSpace(const VolumeSpace& space);

@@ -20,6 +20,13 @@ bool holdsLineBreak(const QString& path) {
   return path.contains(QLatin1Char('\n')) || path.contains(QLatin1Char('\r'));
 }
 
+QHash<QString, QString> asPaths(const std::vector<FileMove>& moves) {
+  QHash<QString, QString> paths;
+  for (const FileMove& move : moves)
+    paths.insert(path_to_ns(move.from), path_to_ns(move.to));
+  return paths;
+}
+
 Question resetQuestion() {
   return {
       QStringLiteral("Reset Ambrel Tether?"),
@@ -94,6 +101,12 @@ RenameDesk AmbrelAppDelegate::renameDesk() {
             const bool mirrored = _backup.isEnabled() && !_backup.backupDir().isEmpty();
             return mirrored ? _backup.backupDestForSource(folder) : QString();
           },
+      .pathWitness = [this]() -> std::function<void(const QStringList&)> {
+        const std::shared_ptr<PendingPhotos> pending = _backup.pendingPhotos();
+        if (!pending) return nullptr;
+        return [pending](const QStringList& paths) { pending->add(paths); };
+      },
+      .whenBackupRests = [this](std::function<void()> act) { _backup.whenAtRest(std::move(act)); },
   };
 }
 
@@ -145,6 +158,14 @@ void AmbrelAppDelegate::connectSubsystems() {
   connect(&_folders, &PhotoFolders::pathLabelsStale, this, &AmbrelAppDelegate::updatePathLabels);
   connect(&_preview, &PreviewList::controlsStale, this, &AmbrelAppDelegate::updateControls);
 
+  connect(&_folderRename, &FolderRename::renameBegins, &_backup, &Backup::photosWillMove);
+  connect(&_folderRename, &FolderRename::photosMoved, this, [this](const Renamed& renamed) {
+    std::vector<MovedPaths> moves;
+    for (const MovedFiles& moved : renamed.moved)
+      moves.push_back({asPaths(moved.folders), asPaths(moved.files)});
+    _backup.photosMoved(moves, renamed.announced);
+  });
+  connect(&_folderRename, &FolderRename::backupFollowed, &_backup, &Backup::backupFollowed);
   connect(&_backup, &Backup::changed, this, &AmbrelAppDelegate::updatePathLabels);
 }
 

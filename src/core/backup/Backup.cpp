@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/backup/Backup.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace ambrel {
 
 using Kind = BackupOutcome::Kind;
+using Names = BackupOutcome::Names;
 
 Backup::Backup(Clock& clock, Operator& operatorSeam, Files& files, StatusLine& statusLine,
                Preferences& preferences, const Locations& locations, BackupSurroundings surroundings,
@@ -54,7 +56,7 @@ void Backup::restore() {
 
 void Backup::stop() {
   _stopped = true;
-  for (Clock::TimerId* timer : {&_backupTimer, &_slowTimer, &_saveTimer})
+  for (Clock::TimerId* timer : {&_backupTimer, &_slowTimer, &_saveTimer, &_holdTimer})
     stopTimer(*timer);
 }
 
@@ -85,13 +87,15 @@ void Backup::processBackupQueue() {
     return;
   }
   // A photo that does not count as queued yet is taken up when it does.
-  if (_backupDir.isEmpty() || _windingUp || !_backupQueue.firstMayGo()) return;
+  if (_backupDir.isEmpty() || _windingUp || isHeld() || !_backupQueue.firstMayGo()) return;
   startCopy(_backupQueue.paths().first());
 }
 
 void Backup::startCopy(const QString& source) {
   _backupBusy = true;
   _backupSlow = false;
+  _copying = source;
+  _copyMoved = false;
   Q_EMIT changed();
   _slowTimer = _clock.callAfter(kSlowAfter, this, [this] {
     _backupSlow = true;
@@ -113,12 +117,11 @@ void Backup::startCopy(const QString& source) {
 void Backup::startWindUp() {
   _windingUp = true;
   _jobs.start([this, ahead = _copiesAhead]() -> BackgroundJobs::Reply {
-    windUp(*ahead);
-    return [this] {
+    return [this, names = windUp(*ahead) ? Names::OnDisk : Names::InDoubt] {
       _windingUp = false;
-      _backupQueue.settleFinished();
-      _backupQueue.saveBackupQueue();
+      settleNames(names);
       processBackupQueue();
+      tellRest();
     };
   });
 }
@@ -127,12 +130,18 @@ void Backup::copyEnded(const QString& source, const BackupOutcome& outcome) {
   stopTimer(_slowTimer);
   _backupBusy = false;
   _backupSlow = false;
-  if (outcome.kind == Kind::Failed) {
+  if (_copyMoved || (isHeld() && outcome.kind != Kind::Done)) {
+    // It waits under its new path, or is about to.
+    settleNames(outcome.names);
+    processBackupQueue();
+  } else if (outcome.kind == Kind::Failed) {
+    settleNames(outcome.names);
     copyFailed(outcome.message);
   } else {
     copySucceeded(source, outcome);
   }
-  if (!_backupBusy && (outcome.copiesAhead || !outcome.settled)) startWindUp();
+  if (!_backupBusy && (outcome.copiesAhead || outcome.names == Names::Waiting)) startWindUp();
+  tellRest();
   Q_EMIT changed();
 }
 
@@ -145,17 +154,16 @@ void Backup::copyFailed(const QString& message) {
   scheduleBackupRetry();
 }
 
-// The file keeps the photos whose copies a crash could still undo, and is written when none of them can be.
 void Backup::copySucceeded(const QString& source, const BackupOutcome& outcome) {
-  _backupQueue.finish(source);
-  if (outcome.settled) {
-    _backupQueue.settleFinished();
-    _backupQueue.saveBackupQueue();
-  }
   if (outcome.kind == Kind::Done) {
+    _backupQueue.finish(source);
     ++_backupDoneCount;
     ++_backupBatchDone;
+  } else {
+    _backupQueue.remove(source);
+    _backupQueue.saveBackupQueue();
   }
+  settleNames(outcome.names);
   _backupOffline = false;
   _backupWarnedThisSession = false;
   if (_backupQueue.isEmpty()) {
@@ -163,6 +171,19 @@ void Backup::copySucceeded(const QString& source, const BackupOutcome& outcome) 
     _backupBatchTotal = 0;
   }
   processBackupQueue();
+}
+
+// The file keeps the photos whose copies a crash could still undo, and is written when none of them can be.
+void Backup::settleNames(Names names) {
+  if (names == Names::OnDisk) {
+    if (_backupQueue.settleFinished()) _backupQueue.saveBackupQueue();
+  } else if (names == Names::InDoubt) {
+    // The batch may have been counted out since.
+    const qint64 back = _backupQueue.putFinishedBack();
+    const qint64 counted = std::min(back, _backupBatchDone);
+    _backupBatchDone -= counted;
+    _backupBatchTotal += back - counted;
+  }
 }
 
 // ---- Trying again

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <vector>
 
 #include "core/backup/BackupCopy.h"
 #include "core/backup/BackupQueue.h"
@@ -73,6 +74,14 @@ class Backup : public QObject {
   void backupSavedFile(const QString& path);
   // Starts the next copy where that is possible; safe to call at any time.
   void processBackupQueue();
+  // Photos are about to get other paths: no copy is begun until backupFollowed(), which comes once for each
+  // call, or for kRetryPeriod at most.
+  void photosWillMove();
+  // The queue goes with them. `announced` was added to pendingPhotos() beforehand.
+  void photosMoved(const std::vector<MovedPaths>& moves, const QStringList& announced);
+  void backupFollowed();
+  // Calls back once no copy is under way, or when nothing is held back any more.
+  void whenAtRest(std::function<void()> act);
   // The path that mirrors one in the target folder.
   QString backupDestForSource(const QString& source) const;
   const BackupQueue& queue() const { return _backupQueue; }
@@ -89,6 +98,7 @@ class Backup : public QObject {
   void copyEnded(const QString& source, const BackupOutcome& outcome);
   void copyFailed(const QString& message);
   void copySucceeded(const QString& source, const BackupOutcome& outcome);
+  void settleNames(BackupOutcome::Names names);
   void scheduleBackupRetry();
   void backupRetryTick();
   void stopTimer(Clock::TimerId& timer);
@@ -98,6 +108,10 @@ class Backup : public QObject {
   void storeEnabled();
   void queueMissing(const QStringList& missing);
   void emptyQueue();
+  bool isHeld() const { return _moves > 0 && !_heldTooLong; }
+  void goOn();
+  void tellRest();
+  void queueUncopied(const QStringList& photos);
 
   Clock& _clock;
   Operator& _operator;
@@ -118,12 +132,19 @@ class Backup : public QObject {
   bool _lookingForMissing = false;
   bool _queueWriteFailed = false;
   bool _stopped = false;
+  int _moves = 0;  // that the backup has not followed yet
+  bool _heldTooLong = false;
+  bool _copyMoved = false;       // the photo of the copy under way
+  QStringList _movedWithOthers;  // beside photos that waited; to be looked at when the backup has followed
+  std::vector<std::function<void()>> _whenAtRest;
+  QString _copying;
   qint64 _backupDoneCount = 0;
   qint64 _backupBatchDone = 0;
   qint64 _backupBatchTotal = 0;
   Clock::TimerId _backupTimer = Clock::kNoTimer;
   Clock::TimerId _slowTimer = Clock::kNoTimer;
   Clock::TimerId _saveTimer = Clock::kNoTimer;
+  Clock::TimerId _holdTimer = Clock::kNoTimer;
   std::shared_ptr<CopiesAhead> _copiesAhead;  // used by one job at a time
   BackgroundJobs _jobs;
 };

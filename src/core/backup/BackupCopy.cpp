@@ -11,6 +11,7 @@ namespace ambrel {
 namespace {
 
 using Kind = BackupOutcome::Kind;
+using Names = BackupOutcome::Names;
 
 BackupOutcome failed(const QString& message = {}) {
   return {Kind::Failed, message};
@@ -66,7 +67,7 @@ BackupOutcome replaceCopy(Files& files, CopiesAhead& ahead, const CopyPlace& pla
     (void)files.remove(temporary);
     return failed(moved.error());
   }
-  ahead.movedTo(place.destination);
+  ahead.hasName(place.destination);
   return {Kind::Done};
 }
 
@@ -87,6 +88,8 @@ BackupOutcome copyOne(Files& files, CopiesAhead& ahead, const BackupJob& job) {
   if (source.st_size != 0 && backupCopySize(place.destination) == static_cast<quint64>(source.st_size)) {
     // An earlier run may have been killed between the two.
     (void)files.remove(place.temporary());
+    // And before its name was on the disk.
+    ahead.hasName(place.destination);
     return {Kind::Done};
   }
   return replaceCopy(files, ahead, place, source, next);
@@ -121,20 +124,20 @@ BackupOutcome copyToBackup(Files& files, CopiesAhead& ahead, const BackupJob& jo
   BackupOutcome outcome = copyOne(files, ahead, job);
   // Those behind wait until this one goes through.
   if (outcome.kind == Kind::Failed) ahead.keepOnly({});
-  if (ahead.isFlushDue()) {
-    if (const auto flushed = ahead.flushFolders(); !flushed && outcome.kind == Kind::Done) {
-      ahead.keepOnly({});
-      outcome = failed(flushed.error());
-    }
+  Result<void> flushed;
+  if (ahead.isFlushDue()) flushed = ahead.flushFolders();
+  if (!flushed && outcome.kind != Kind::Failed) {
+    ahead.keepOnly({});
+    outcome = failed(flushed.error());
   }
-  outcome.settled = ahead.isSettled();
+  outcome.names = !flushed ? Names::InDoubt : ahead.isSettled() ? Names::OnDisk : Names::Waiting;
   outcome.copiesAhead = !ahead.isEmpty();
   return outcome;
 }
 
-void windUp(CopiesAhead& ahead) {
+Result<void> windUp(CopiesAhead& ahead) {
   ahead.keepOnly({});
-  (void)ahead.flushFolders();
+  return ahead.flushFolders();
 }
 
 }  // namespace ambrel

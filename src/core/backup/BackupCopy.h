@@ -34,9 +34,10 @@ struct BackupOutcome {
   enum class Kind { Done, Failed, SourceGone };
   Kind kind = Kind::Failed;
   QString message = {};  // why it failed; may be empty
-  // Whether the names of this copy and of all before it are on the disk too. Where they are not, a later
-  // outcome says so, or windUp sees to it.
-  bool settled = true;
+  // Whether the names of this copy and of all before it are on the disk too. Where they wait, a later outcome
+  // tells, or windUp; where they are in doubt, all since the last OnDisk have to be done again.
+  enum class Names { OnDisk, Waiting, InDoubt };
+  Names names = Names::OnDisk;
   bool copiesAhead = false;  // are there for jobs to follow
   bool operator==(const BackupOutcome&) const = default;
 };
@@ -46,6 +47,7 @@ struct BackupOutcome {
 // the drive does; never for the main thread.
 BackupOutcome copyToBackup(Files& files, CopiesAhead& ahead, const BackupJob& job);
 // For when the jobs to follow do not: removes their copies, and brings the names of those made to the disk.
-void windUp(CopiesAhead& ahead);
+// Where that fails, they are in doubt.
+Result<void> windUp(CopiesAhead& ahead);
 
 }  // namespace ambrel

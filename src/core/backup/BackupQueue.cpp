@@ -2,6 +2,8 @@
 #include "core/backup/BackupQueue.h"
 
 #include <QFileInfo>
+#include <QSet>
+#include <algorithm>
 #include <utility>
 
 #include "core/backup/BackupCopy.h"
@@ -13,6 +15,24 @@ namespace {
 constexpr int kMaxNamesAside = 1000;
 
 }  // namespace
+
+QString MovedPaths::now(const QString& path) const {
+  QString now = path;
+  for (auto folder = folders.begin(); folder != folders.end(); ++folder) {
+    if (now.startsWith(folder.key() + QLatin1Char('/'))) {
+      now = folder.value() + now.mid(folder.key().size());
+      break;
+    }
+  }
+  return files.value(now, now);
+}
+
+QString pathAfter(const std::vector<MovedPaths>& moves, const QString& path) {
+  QString now = path;
+  for (const MovedPaths& moved : moves)
+    now = moved.now(now);
+  return now;
+}
 
 BackupQueue::BackupQueue(Files& files, const Locations& locations)
     : _files(files),
@@ -124,13 +144,56 @@ void BackupQueue::finish(const QString& path) {
   _finished.append(path);
 }
 
-void BackupQueue::settleFinished() {
-  _gone += std::exchange(_finished, {});
+bool BackupQueue::settleFinished() {
+  const QStringList finished = std::exchange(_finished, {});
+  _gone += finished;
+  return !finished.isEmpty();
+}
+
+qint64 BackupQueue::putFinishedBack() {
+  QStringList back = std::exchange(_finished, {});
+  back.erase(std::remove_if(back.begin(), back.end(),
+                            [this](const QString& path) { return _savedWith.contains(path); }),
+             back.end());
+  for (const QString& path : back)
+    _savedWith.insert(path, _lastSettled);  // they are in the file
+  _paths = back + _paths;
+  return back.size();
 }
 
 void BackupQueue::clear() {
   _gone += std::exchange(_paths, {});
   _savedWith.clear();
+}
+
+qint64 BackupQueue::follow(const std::vector<MovedPaths>& moves, const QStringList& announced) {
+  qint64 followed = 0;
+  QSet<QString> followers;
+  QHash<QString, quint64> savedWith;
+  const auto follow = [&](const QString& path) {
+    const QString now = pathAfter(moves, path);
+    if (now == path) return path;
+    ++followed;
+    followers.insert(now);
+    _gone.append(path);
+    return now;
+  };
+  QStringList waiting;
+  for (const QString& path : std::as_const(_paths)) {
+    const QString now = follow(path);
+    if (savedWith.contains(now)) continue;
+    savedWith.insert(now, now == path ? _savedWith.value(path) : _lastSave + 1);
+    waiting.append(now);
+  }
+  _paths = waiting;
+  _savedWith = savedWith;
+  for (QString& path : _finished)
+    path = follow(path);
+  for (const QString& path : announced) {
+    if (!_savedWith.contains(path) && !followers.contains(path)) _gone.append(path);
+  }
+  _arrived.append(followers.values());
+  return followed;
 }
 
 bool BackupQueue::firstMayGo() const {

@@ -7,6 +7,7 @@
 #include <deque>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 #include "core/backup/PendingPhotos.h"
 #include "core/base/Doorbell.h"
@@ -15,6 +16,14 @@
 #include "core/base/WriteBehind.h"
 
 namespace ambrel {
+
+// What a rename made of paths: first those below the folders change, then those of files.
+struct MovedPaths {
+  QHash<QString, QString> folders = {};
+  QHash<QString, QString> files = {};
+  QString now(const QString& path) const;
+};
+QString pathAfter(const std::vector<MovedPaths>& moves, const QString& path);
 
 // The photos that still wait for their backup, oldest first, each once. Mirrored in a file after every
 // change: replaced whole and flushed, on a thread of its own. Photos that come while that thread waits for
@@ -43,8 +52,14 @@ class BackupQueue : public QObject {
   // Leaves the queue, but stays in its file until settleFinished: a copy is there and may yet be undone by a
   // crash.
   void finish(const QString& path);
-  void settleFinished();
+  // Whether there was one.
+  bool settleFinished();
+  // Their copies are in doubt: they wait again, before all others. Returns how many.
+  qint64 putFinishedBack();
   void clear();
+  // Photos have other paths now; those that wait or are finished keep their places. The announced paths need
+  // not be pending any more, except for these. How many there were.
+  qint64 follow(const std::vector<MovedPaths>& moves, const QStringList& announced);
 
   qint64 size() const { return _paths.size(); }
   bool isEmpty() const { return _paths.isEmpty(); }

@@ -284,14 +284,14 @@ bool CopiesAhead::isEmpty() const {
   return _line->isEmpty();
 }
 
-void CopiesAhead::movedTo(const QString& destination) {
-  if (_folders.isEmpty()) _firstMove = steady_clock::now();
+void CopiesAhead::hasName(const QString& destination) {
+  if (_folders.isEmpty()) _firstName = steady_clock::now();
   const QString folder = destination.left(destination.lastIndexOf(QLatin1Char('/')));
   if (!_folders.contains(folder)) _folders.append(folder);
 }
 
 bool CopiesAhead::isFlushDue() const {
-  return !isSettled() && (isEmpty() || steady_clock::now() - _firstMove >= kMaxAgeOfMoves);
+  return !isSettled() && (isEmpty() || steady_clock::now() - _firstName >= kMaxAgeOfNames);
 }
 
 Result<void> CopiesAhead::flushFolders() {

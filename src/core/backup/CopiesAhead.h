@@ -38,7 +38,7 @@ class CopiesAhead {
   static constexpr std::size_t kMaxCopies = 16;
   static constexpr std::uint64_t kMaxBytes = std::uint64_t{64} << 20;
   static constexpr std::chrono::milliseconds kQuick{200};
-  static constexpr std::chrono::milliseconds kMaxAgeOfMoves{300};
+  static constexpr std::chrono::milliseconds kMaxAgeOfNames{300};
 
   explicit CopiesAhead(Files& files, std::chrono::milliseconds quick = kQuick);
 
@@ -49,13 +49,14 @@ class CopiesAhead {
   void keepOnly(const std::vector<CopyPlace>& wanted);
   bool isEmpty() const;
 
-  // A copy has got its name.
-  void movedTo(const QString& destination);
-  // Whether every copy that got its name keeps it, whatever happens.
+  // A copy has its name, since now or since an earlier run.
+  void hasName(const QString& destination);
+  // Whether every copy that has its name keeps it, whatever happens.
   bool isSettled() const { return _folders.isEmpty(); }
-  // Whether the moves should no longer wait for others to be flushed with them.
+  // Whether the names should no longer wait for others to be flushed with them.
   bool isFlushDue() const;
-  // Afterwards nothing is remembered, whether or not a folder could be flushed.
+  // Afterwards nothing is remembered, whether or not every folder could be flushed: a second flush that
+  // succeeds says nothing about what the first one lost.
   Result<void> flushFolders();
 
  private:
@@ -63,7 +64,7 @@ class CopiesAhead {
   std::shared_ptr<Line> _line;
   Files& _files;
   QStringList _folders;
-  std::chrono::steady_clock::time_point _firstMove;
+  std::chrono::steady_clock::time_point _firstName;
 };
 
 }  // namespace ambrel

@@ -51,24 +51,29 @@ QByteArray PendingPhotos::linkPath(const QByteArray& name) const {
   return QByteArray::fromStdString(ns_to_path(_folder)) + '/' + name;
 }
 
-void PendingPhotos::add(const QString& path) {
-  if (path.contains(QChar::Null)) return;
-  const QByteArray target = QByteArray::fromStdString(ns_to_path(path));
-  {
-    const std::lock_guard lock(_mutex);
-    if (_links.contains(path)) return;
-    bool made = false;
-    QByteArray name;
-    for (int attempt = 0; !made && attempt < kMaxNameAttempts; ++attempt) {
-      _lastName = std::max(nanosecondsNow(), _lastName + 1);
-      name = nameOfMoment(_lastName);
-      made = makeLink(target, linkPath(name));
-      if (!made && errno != EEXIST) return;
-    }
-    if (!made) return;
-    _links.insert(path, name);
+void PendingPhotos::add(const QStringList& paths) {
+  QStringList made;
+  for (const QString& path : paths) {
+    if (addLink(path)) made.append(path);
   }
-  flushUnlessBeside(target);
+  if (!made.isEmpty()) flushUnlessBeside(made.first());
+}
+
+bool PendingPhotos::addLink(const QString& path) {
+  if (path.contains(QChar::Null)) return false;
+  const QByteArray target = QByteArray::fromStdString(ns_to_path(path));
+  const std::lock_guard lock(_mutex);
+  if (_links.contains(path)) return false;
+  for (int attempt = 0; attempt < kMaxNameAttempts; ++attempt) {
+    _lastName = std::max(nanosecondsNow(), _lastName + 1);
+    const QByteArray name = nameOfMoment(_lastName);
+    if (makeLink(target, linkPath(name))) {
+      _links.insert(path, name);
+      return true;
+    }
+    if (errno != EEXIST) break;
+  }
+  return false;
 }
 
 bool PendingPhotos::makeLink(const QByteArray& path, const QByteArray& link) const {
@@ -78,11 +83,13 @@ bool PendingPhotos::makeLink(const QByteArray& path, const QByteArray& link) con
 }
 
 // One volume brings changes back in the order in which they were made; two do not.
-void PendingPhotos::flushUnlessBeside(const QByteArray& path) const {
+void PendingPhotos::flushUnlessBeside(const QString& path) const {
   const int folder = ::open(ns_to_path(_folder).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (folder < 0) return;
   struct stat status = {};
-  if (::fstat(folder, &status) == 0 && !liesOnVolume(path, status.st_dev)) (void)::fsync(folder);
+  if (::fstat(folder, &status) == 0 &&
+      !liesOnVolume(QByteArray::fromStdString(ns_to_path(path)), status.st_dev))
+    (void)::fsync(folder);
   ::close(folder);
 }
 

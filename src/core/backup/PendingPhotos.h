@@ -19,16 +19,19 @@ class PendingPhotos {
  public:
   explicit PendingPhotos(QString folder) : _folder(std::move(folder)) {}
 
-  // Before a photo takes this path. May wait for a disk; never for the main thread.
-  void add(const QString& path);
+  // Before photos take these paths, which all lie on one volume. May wait for a disk; never for the main
+  // thread.
+  void add(const QString& path) { add(QStringList{path}); }
+  void add(const QStringList& paths);
   // The photo needs no link any more. Unknown paths do no harm.
   void settle(const QString& path);
   // All paths with a link, those of earlier runs included, oldest first.
   QStringList paths();
 
  private:
+  bool addLink(const QString& path);
   bool makeLink(const QByteArray& path, const QByteArray& link) const;
-  void flushUnlessBeside(const QByteArray& path) const;
+  void flushUnlessBeside(const QString& path) const;
   QByteArray linkPath(const QByteArray& name) const;
 
   const QString _folder;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <unistd.h>
+#include <utility>
 
 #include "core/base/FolderReader.h"
 #include "core/base/PathText.h"
@@ -33,33 +34,64 @@ ListedFolder listed(const std::string& path) {
   return {path, entriesOf(path)};
 }
 
-// Whether all moves were tried.
-bool carryOut(Files& files, const std::vector<FileMove>& moves, const std::function<bool()>& stop) {
+struct CarriedOut {
+  std::vector<FileMove> moves;
+  bool allTried = true;
+};
+
+CarriedOut carryOut(Files& files, const std::vector<FileMove>& moves, const RenameWatch& watch) {
+  CarriedOut done;
   for (const FileMove& move : moves) {
-    if (stop()) return false;
+    if (watch.stop()) {
+      done.allTried = false;
+      break;
+    }
     // A refused photo stays where it is.
-    static_cast<void>(files.moveWithoutOverwriting(path_to_ns(move.from), path_to_ns(move.to)));
+    if (files.moveWithoutOverwriting(path_to_ns(move.from), path_to_ns(move.to)).ok())
+      done.moves.push_back(move);
   }
-  return true;
+  return done;
+}
+
+void announce(const RenameWatch& watch, const ListedFolder& folder, const std::vector<FileMove>& moves) {
+  if (!watch.willTake) return;
+  QStringList paths;
+  for (const std::string& name : folder.entries) {
+    if (is_image_file_name(name)) paths.append(path_to_ns(folder.path + '/' + name));
+  }
+  for (const FileMove& move : moves)
+    paths.append(path_to_ns(move.to));
+  watch.willTake(paths);
 }
 
 RenameOutcome merge(Files& files, const std::string& folder, const std::string& destination,
-                    const std::function<bool()>& stop) {
+                    const RenameWatch& watch) {
   const std::vector<FileMove> moves = movesOfMerge(listed(folder), listed(destination), nameOf(destination));
+  announce(watch, {}, moves);
+  CarriedOut done = carryOut(files, moves, watch);
   // The system removes a folder only when it is completely empty.
-  if (carryOut(files, moves, stop)) ::rmdir(folder.c_str());
-  return {static_cast<qint64>(moves.size())};
+  if (done.allTried) ::rmdir(folder.c_str());
+  return {static_cast<qint64>(moves.size()), {}, {{}, std::move(done.moves)}};
 }
 
 RenameOutcome rename(Files& files, const std::string& folder, const std::string& destination,
-                     const std::function<bool()>& stop) {
+                     const RenameWatch& watch) {
+  const auto movesIn = [&](const ListedFolder& renamed) {
+    return movesOfRename(renamed, nameOf(folder), nameOf(destination));
+  };
+  if (watch.willTake) {
+    const ListedFolder planned{destination, entriesOf(folder)};
+    announce(watch, planned, movesIn(planned));
+  }
   const Files::MoveResult moved = files.moveWithoutOverwriting(path_to_ns(folder), path_to_ns(destination));
   if (!moved.ok()) {
     return {0, moved.message.isEmpty() ? QStringLiteral("Could not rename the folder.") : moved.message};
   }
   const ListedFolder renamed = listed(destination);
-  carryOut(files, movesOfRename(renamed, nameOf(folder), nameOf(destination)), stop);
-  return {std::count_if(renamed.entries.begin(), renamed.entries.end(), is_image_file_name)};
+  CarriedOut done = carryOut(files, movesIn(renamed), watch);
+  return {std::count_if(renamed.entries.begin(), renamed.entries.end(), is_image_file_name),
+          {},
+          {{{folder, destination}}, std::move(done.moves)}};
 }
 
 }  // namespace
@@ -96,10 +128,10 @@ Result<std::string> checkedFolderName(const std::string& folder, const QString& 
 }
 
 RenameOutcome renameFolderFSAt(Files& files, const std::string& folder, const std::string& sanitisedName,
-                               const std::function<bool()>& stop) {
+                               const RenameWatch& watch) {
   const std::string destination = parentOf(folder) + '/' + sanitisedName;
-  return pathExists(destination) ? merge(files, folder, destination, stop)
-                                 : rename(files, folder, destination, stop);
+  return pathExists(destination) ? merge(files, folder, destination, watch)
+                                 : rename(files, folder, destination, watch);
 }
 
 }  // namespace ambrel

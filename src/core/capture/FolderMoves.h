@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -38,16 +39,30 @@ std::vector<FileMove> movesOfRename(const ListedFolder& folder, std::string_view
 // that the folder has already.
 Result<std::string> checkedFolderName(const std::string& folder, const QString& typed);
 
-// How many photos a rename handled, and what hindered it; empty when nothing did.
+// What a rename brought to other paths: first the folder itself, with all that is in it, then files.
+struct MovedFiles {
+  std::vector<FileMove> folders = {};
+  std::vector<FileMove> files = {};
+};
+
+// How many photos a rename handled, what hindered it (empty when nothing did), and what has moved.
 struct RenameOutcome {
   qint64 photos = 0;
   QString message = {};
+  MovedFiles moved = {};
+};
+
+struct RenameWatch {
+  // Asked before each move: whether nobody waits for the rename any more.
+  std::function<bool()> stop;
+  // Told before anything moves: every path that a photo may come to have, be it for a moment.
+  std::function<void(const QStringList& paths)> willTake = {};
 };
 
 // Gives a folder another name beside its old one, and its photos names to match; where a folder of that name
 // exists, the photos go into it and the old folder goes once it is empty. Nothing is ever overwritten: a
-// photo whose move is refused stays where it is, and counts all the same. `stop` is asked before each move.
+// photo whose move is refused stays where it is, and counts all the same.
 RenameOutcome renameFolderFSAt(Files& files, const std::string& folder, const std::string& sanitisedName,
-                               const std::function<bool()>& stop);
+                               const RenameWatch& watch);
 
 }  // namespace ambrel

@@ -60,17 +60,18 @@ FolderRename::Pair FolderRename::pairOf(const QString& folder, const QString& ne
 }
 
 FolderRename::Work FolderRename::renamePairs(Files& files, const std::vector<Pair>& pairs,
-                                             MissingFolders missing, const std::function<bool()>& stop) {
+                                             MissingFolders missing, const RenameWatch& watch) {
   std::vector<Pair> present;
   for (const Pair& pair : pairs) {
     if (missing == MissingFolders::Report || isFolder(pair.folder)) present.push_back(pair);
   }
   Work work;
   for (const Pair& pair : present) {
-    if (stop()) break;
+    if (watch.stop()) break;
     RenameOutcome outcome;
     if (const Result<std::string> name = checkedFolderName(pair.folder, pair.newName); name) {
-      outcome = renameFolderFSAt(files, pair.folder, name.value(), stop);
+      outcome = renameFolderFSAt(files, pair.folder, name.value(), watch);
+      work.renamed.moved.push_back(std::move(outcome.moved));
       work.nothingTried = false;
       // Also after a rename that was refused; but never out of the backup folder.
       if (!pair.backupCopy.empty() && name.value() != "..")
@@ -85,9 +86,20 @@ FolderRename::Work FolderRename::renamePairs(Files& files, const std::vector<Pai
 }
 
 void FolderRename::run(const std::vector<Pair>& pairs, MissingFolders missing, const Finished& finished) {
-  _thread.add([=, this, &files = _files](SerialThread::Line& mainThread) {
-    const Work work = renamePairs(files, pairs, missing, [&] { return mainThread.isAbandoned(); });
+  Q_EMIT renameBegins();
+  _thread.add([=, this, &files = _files, witness = _desk.pathWitness()](SerialThread::Line& mainThread) {
+    RenameWatch watch{.stop = [&] { return mainThread.isAbandoned(); }};
+    QStringList announced;
+    if (witness) {
+      watch.willTake = [&](const QStringList& paths) {
+        announced += paths;
+        witness(paths);
+      };
+    }
+    Work work = renamePairs(files, pairs, missing, watch);
+    work.renamed.announced = announced;
     mainThread.tell([=, this] {
+      Q_EMIT photosMoved(work.renamed);
       mirror(work.mirrored);
       const auto report = [finished, outcome = work.outcome] { finished(outcome); };
       if (work.nothingTried) {
@@ -100,17 +112,29 @@ void FolderRename::run(const std::vector<Pair>& pairs, MissingFolders missing, c
 }
 
 void FolderRename::mirror(const std::vector<Mirrored>& folders) {
-  if (folders.empty()) return;
-  _mirrorThread.add([folders, &files = _files](SerialThread::Line& mainThread) {
-    const auto stop = [&] { return mainThread.isAbandoned(); };
-    for (const Mirrored& mirrored : folders) {
-      if (!stop() && pathExists(mirrored.folder))
-        renameFolderFSAt(files, mirrored.folder, mirrored.newName, stop);
-    }
-  });
+  if (folders.empty()) {
+    Q_EMIT backupFollowed();
+    return;
+  }
+  _toMirror.push_back(folders);
+  _desk.whenBackupRests([this] { startMirroring(); });
+}
+
+void FolderRename::startMirroring() {
+  for (const std::vector<Mirrored>& folders : std::exchange(_toMirror, {})) {
+    _mirrorThread.add([this, folders, &files = _files](SerialThread::Line& mainThread) {
+      const RenameWatch watch{.stop = [&] { return mainThread.isAbandoned(); }};
+      for (const Mirrored& mirrored : folders) {
+        if (!watch.stop() && pathExists(mirrored.folder))
+          renameFolderFSAt(files, mirrored.folder, mirrored.newName, watch);
+      }
+      mainThread.tell([this] { Q_EMIT backupFollowed(); });
+    });
+  }
 }
 
 bool FolderRename::finishMirroring(std::chrono::milliseconds limit) {
+  startMirroring();
   return _mirrorThread.finish(limit);
 }
 

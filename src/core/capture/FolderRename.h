@@ -28,6 +28,18 @@ struct RenameDesk {
   std::function<QString()> targetDir;
   // The backup's copy of a folder in the target folder; empty while backup is off.
   std::function<QString(const QString& folder)> backupDestForSource;
+  // What to tell, on any thread, of the paths that photos may come to have before they do. May be none.
+  std::function<std::function<void(const QStringList& paths)>()> pathWitness = [] { return nullptr; };
+  // Calls back once no copy is being made in the backup, or when that takes too long.
+  std::function<void(std::function<void()> act)> whenBackupRests = [](const std::function<void()>& act) {
+    act();
+  };
+};
+
+// What one rename of the application's own made of the paths in the target folder.
+struct Renamed {
+  std::vector<MovedFiles> moved;  // in this order
+  QStringList announced;          // what pathWitness was told
 };
 
 // Sets photos right that were filed under the wrong name: moves those of a person to another name, or renames
@@ -54,6 +66,12 @@ class FolderRename : public QObject {
   // Waits until the backup follows what was renamed, for at most `limit`; whether nothing was left.
   bool finishMirroring(std::chrono::milliseconds limit);
 
+ Q_SIGNALS:
+  // Each rename: it is about to begin; the photos have their new paths; the backup has followed.
+  void renameBegins();
+  void photosMoved(const Renamed& renamed);
+  void backupFollowed();
+
  private:
   // A folder, the name it is to get, and the backup's copy of it, if any.
   struct Pair {
@@ -68,16 +86,18 @@ class FolderRename : public QObject {
   struct Work {
     RenameOutcome outcome;  // photos of all pairs, and the first message
     std::vector<Mirrored> mirrored;
+    Renamed renamed;
     bool nothingTried = true;
   };
   enum class MissingFolders { Skip, Report };
   using Finished = std::function<void(const RenameOutcome&)>;
 
   static Work renamePairs(Files& files, const std::vector<Pair>& pairs, MissingFolders missing,
-                          const std::function<bool()>& stop);
+                          const RenameWatch& watch);
   Pair pairOf(const QString& folder, const QString& newName) const;
   void run(const std::vector<Pair>& pairs, MissingFolders missing, const Finished& finished);
   void mirror(const std::vector<Mirrored>& folders);
+  void startMirroring();
   MoveDialog dialogFor(qint64 modelRow, const std::optional<QString>& fixedTargetName) const;
   qint64 destinationRow(qint64 sourceRow, const QString& targetName) const;
   void finishMove(qint64 sourceRow, const QString& sourceName, const QString& targetName,
@@ -92,6 +112,7 @@ class FolderRename : public QObject {
   Operator& _operator;
   StatusLine& _statusLine;
   RenameDesk _desk;
+  std::vector<std::vector<Mirrored>> _toMirror;  // one of each rename, until the backup rests
   SerialThread _mirrorThread;
 };
 

@@ -149,4 +149,34 @@ TEST(Shoot, ComesBackAfterTheWorkerWasKilled) {
   EXPECT_EQ(session.filesBelowTarget().size(), 2);
 }
 
+TEST(Shoot, BacksUpAPersonWhoIsRenamedWhileTheDriveIsAway) {
+  LiveSession session;
+  const QString copies = session.folder.filePath("Copies");
+  QDir().mkpath(copies);
+  session.shootWith({"Ann", "Cat"});
+  session.operatorSeam.willChoose(copies);
+  Backup& backup = session.app->backup();
+  backup.chooseBackupFolder();
+  const auto isCopied = [&] { return backup.queue().isEmpty() && !backup.state().busy; };
+  session.select(0);
+  session.shoot("size=300000");
+  ASSERT_TRUE(session.waitUntil(isCopied));
+  ASSERT_TRUE(QDir().rename(copies, copies + ".away"));
+  session.shoot("n=3 size=300000", 3);
+  ASSERT_TRUE(session.waitUntil([&] { return backup.state().offline && !backup.state().busy; }));
+
+  session.app->folderRename().movePhotosFromRow(0, "Bea", {});
+  ASSERT_TRUE(session.waitUntil([&] { return QDir(session.target() + "/Bea").exists(); }));
+  ASSERT_TRUE(session.waitUntil([&] { return backup.queue().paths().value(0).contains("/Bea/Bea_"); }));
+  ASSERT_TRUE(QDir().rename(copies + ".away", copies));
+  backup.retryBackupNow();
+  ASSERT_TRUE(session.waitUntil(isCopied));
+  EXPECT_EQ(session.filesBelowTarget().size(), 4);
+  for (const QString& path : session.filesBelowTarget()) {
+    const QString copy = copies + path.mid(session.target().size());
+    EXPECT_TRUE(path.contains("/Bea/Bea_")) << path.toStdString();
+    EXPECT_EQ(sha256OfFile(copy.toStdString()), sha256OfFile(path.toStdString())) << copy.toStdString();
+  }
+}
+
 }  // namespace

@@ -71,6 +71,7 @@ class Samba : public ::testing::Test {
     for (const char* program : {"smbd", "rclone", "fusermount3"}) {
       if (QStandardPaths::findExecutable(program, searchPath).isEmpty()) skip(program);
     }
+    if (::access("/dev/fuse", R_OK | W_OK) != 0) skip("/dev/fuse, or the right to use it");
     if (IsSkipped()) return;
     QDir(folder.path()).mkpath("share");
     QDir(folder.path()).mkpath("state");
@@ -85,7 +86,7 @@ class Samba : public ::testing::Test {
     const bool mounted = runEventsUntil(
         [&] { return volumeOfFolder(home + "/Copies") != 0 && volumeOfFolder(home + "/Copies") != local; },
         15s);
-    if (!mounted) skip("a userspace mount (/dev/fuse)");
+    if (!mounted) skip("the right to mount through FUSE: " + read(folder.filePath("rclone.log")).trimmed());
   }
   void TearDown() override {
     if (session.state() != QProcess::NotRunning) {

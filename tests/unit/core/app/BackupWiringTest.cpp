@@ -92,3 +92,41 @@ TEST_F(BackupWiring, StopsRetryingWithTheApplication) {
   session.clock.advance(Backup::kRetryPeriod);
   EXPECT_FALSE(session.app->backup().state().busy);
 }
+
+// ---- A person gets another name while photos wait
+
+TEST_F(BackupWiring, CopiesThePhotosOfARenamedPersonUnderTheNewName) {
+  switchOn();
+  session.download("IMG_1.JPG", "first");
+  ASSERT_TRUE(untilEmpty());
+  ASSERT_TRUE(QDir().rename(copies, copies + ".away"));
+  session.download("IMG_2.JPG", "second");
+  ASSERT_TRUE(runEventsUntil([this] { return session.app->backup().state().offline; }));
+  ASSERT_TRUE(QDir().rename(copies + ".away", copies));
+  session.app->folderRename().movePhotosFromRow(0, "Bea", {});
+  ASSERT_TRUE(runEventsUntil([this] { return session.app->statusLine().text().startsWith("Moved"); }));
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_EQ(session.app->statusLine().text(), "Moved 2 photos to \"Bea\" (new row added).");
+  EXPECT_EQ(session.readFile(copies + "/Bea/Bea_0001.JPG"), "first");
+  EXPECT_EQ(session.readFile(copies + "/Bea/Bea_0002.JPG"), "second");
+  EXPECT_FALSE(QDir(copies + "/Bob").exists());
+}
+
+TEST_F(BackupWiring, QueuesAtTheNextLaunchWhatWasRenamedJustBeforeTheApplicationDied) {
+  switchOn();
+  ASSERT_TRUE(QDir().rename(copies, copies + ".away"));
+  session.download("IMG_1.JPG", "photo");
+  ASSERT_TRUE(runEventsUntil([this] { return session.app->backup().state().offline; }));
+  const QString queueFile = session.locations.dataFile("backup_queue.plist");
+  ASSERT_TRUE(QFile::rename(queueFile, queueFile + ".kept"));
+  ASSERT_TRUE(QDir().mkpath(queueFile + "/inside"));
+  session.app->folderRename().movePhotosFromRow(0, "Bea", {});
+  ASSERT_TRUE(runEventsUntil([this] { return session.app->statusLine().text().startsWith("Moved"); }));
+  session.quit();
+  session.app.reset();
+  ASSERT_TRUE(QDir(queueFile).removeRecursively());
+  ASSERT_TRUE(QFile::rename(queueFile + ".kept", queueFile));
+  session.startApplication();
+  session.launch();
+  EXPECT_TRUE(session.app->backup().queue().paths().contains(session.path("Photos/Bea/Bea_0001.JPG")));
+}

@@ -14,6 +14,7 @@
 
 using namespace ambrel;
 using Kind = BackupOutcome::Kind;
+using Names = BackupOutcome::Names;
 using Operation = BrokenFiles::Operation;
 
 namespace {
@@ -240,8 +241,26 @@ TEST_F(BackupCopyTest, FailsWithTheSystemsWordsWhenTheMoveFails) {
 
 TEST_F(BackupCopyTest, FailsWithTheSystemsWordsWhenTheNameCannotBeFlushed) {
   files.failCall(Operation::FlushFolder, 1, "Input/output error");
-  EXPECT_EQ(copy(), (BackupOutcome{Kind::Failed, "Input/output error"}));
+  EXPECT_EQ(copy(), (BackupOutcome{Kind::Failed, "Input/output error", Names::InDoubt}));
   EXPECT_EQ(copy(), kDone);
+}
+
+TEST_F(BackupCopyTest, IsInDoubtUntilTheNameIsFlushedEvenWhereTheCopyWasThereBefore) {
+  files.failCall(Operation::FlushFolder, 1, "Input/output error");
+  files.failCall(Operation::FlushFolder, 2, "Input/output error");
+  EXPECT_EQ(copy().names, Names::InDoubt);
+  ASSERT_EQ(read(kCopy), "photo");
+  EXPECT_EQ(copy(), (BackupOutcome{Kind::Failed, "Input/output error", Names::InDoubt}));
+  EXPECT_EQ(copy(), kDone);
+  EXPECT_EQ(files.calls(Operation::FlushFolder), 3);
+  EXPECT_EQ(files.calls(Operation::CopyToNew), 1);
+}
+
+TEST_F(BackupCopyTest, FailsForAPhotoThatHasVanishedWhereTheNamesBeforeItCannotBeFlushed) {
+  ahead.hasName(at(kCopy));
+  files.failCall(Operation::FlushFolder, 1, "Input/output error");
+  EXPECT_EQ(copy("Shots/Ann/gone.JPG"), (BackupOutcome{Kind::Failed, "Input/output error", Names::InDoubt}));
+  EXPECT_EQ(copy("Shots/Ann/gone.JPG"), (BackupOutcome{Kind::SourceGone}));
 }
 
 TEST_F(BackupCopyTest, FlushesTheCopyBeforeItsSizeIsComparedAndItsNameLast) {

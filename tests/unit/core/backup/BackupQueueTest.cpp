@@ -193,6 +193,29 @@ TEST_F(BackupQueueTest, KeepsAFinishedPhotoInItsFileUntilThatIsSettled) {
   EXPECT_EQ(stored(), (QStringList{"/b", "/c"}));
 }
 
+TEST_F(BackupQueueTest, PutsFinishedPhotosBackBeforeAllOthers) {
+  for (const QString path : {"/a", "/b", "/c"})
+    appendAndSave(path);
+  stored();
+  queue->finish("/a");
+  queue->finish("/b");
+  EXPECT_EQ(queue->putFinishedBack(), 2);
+  EXPECT_EQ(queue->paths(), (QStringList{"/a", "/b", "/c"}));
+  EXPECT_FALSE(queue->append("/a"));
+  EXPECT_FALSE(queue->settleFinished());
+  queue->saveBackupQueue();
+  EXPECT_EQ(stored(), queue->paths());
+  ASSERT_TRUE(runEventsUntil([&] { return queue->firstMayGo(); }));
+}
+
+TEST_F(BackupQueueTest, HoldsAPhotoOnceThatIsPutBackAfterItWasFiledAnew) {
+  appendAndSave("/a");
+  queue->finish("/a");
+  queue->append("/a");
+  EXPECT_EQ(queue->putFinishedBack(), 0);
+  EXPECT_EQ(queue->paths(), QStringList{"/a"});
+}
+
 TEST_F(BackupQueueTest, NamesThePhotosAfterTheFirstThatCountAsQueued) {
   EXPECT_EQ(queue->next(2), QStringList());
   for (const QString path : {"/a", "/b", "/c"})
@@ -202,6 +225,38 @@ TEST_F(BackupQueueTest, NamesThePhotosAfterTheFirstThatCountAsQueued) {
   queue->append("/d");
   EXPECT_EQ(queue->next(5), (QStringList{"/b", "/c"}));
   EXPECT_EQ(queue->next(1), QStringList{"/b"});
+}
+
+TEST(MovedPaths, TakeAPathAlongWithItsFolderAndThenByItsOwnName) {
+  const MovedPaths moved{{{"/t/Ann", "/t/Bea"}}, {{"/t/Bea/Ann_1.jpg", "/t/Bea/Bea_1.jpg"}}};
+  EXPECT_EQ(moved.now("/t/Ann/Ann_1.jpg"), "/t/Bea/Bea_1.jpg");
+  EXPECT_EQ(moved.now("/t/Ann/film.mov"), "/t/Bea/film.mov");
+  EXPECT_EQ(moved.now("/t/Ann/sub/x.jpg"), "/t/Bea/sub/x.jpg");
+  EXPECT_EQ(moved.now("/t/Annabel/Ann_1.jpg"), "/t/Annabel/Ann_1.jpg");
+  EXPECT_EQ(pathAfter({moved, {{{"/t/Bea", "/t/Cat"}}, {}}}, "/t/Ann/Ann_1.jpg"), "/t/Cat/Bea_1.jpg");
+}
+
+TEST_F(BackupQueueTest, FollowsItsPhotosToTheirNewPathsInTheSameOrder) {
+  for (const QString path : {"/Ann/1", "/Bob/1", "/Ann/2", "/Ann/3"})
+    appendAndSave(path);
+  stored();
+  ASSERT_TRUE(runEventsUntil([&] { return queue->firstMayGo(); }));
+  queue->finish("/Ann/1");
+  EXPECT_EQ(queue->follow({{{{"/Ann", "/Bea"}}, {{"/Bea/2", "/Bea/two"}}}}, {}), 3);
+  EXPECT_EQ(queue->paths(), (QStringList{"/Bob/1", "/Bea/two", "/Bea/3"}));
+  EXPECT_EQ(queue->next(5), QStringList());  // not in the file yet
+  queue->saveBackupQueue();
+  EXPECT_EQ(stored(), (QStringList{"/Bea/1", "/Bob/1", "/Bea/two", "/Bea/3"}));
+  ASSERT_TRUE(runEventsUntil([&] { return queue->next(5).size() == 2; }));
+  EXPECT_TRUE(queue->append("/Ann/2"));
+  EXPECT_FALSE(queue->append("/Bea/3"));
+}
+
+TEST_F(BackupQueueTest, HoldsAPhotoOnceThatFollowsToAPathThatWaits) {
+  appendAndSave("/Ann/1");
+  appendAndSave("/Bea/1");
+  EXPECT_EQ(queue->follow({{{}, {{"/Ann/1", "/Bea/1"}}}}, {}), 1);
+  EXPECT_EQ(queue->paths(), QStringList{"/Bea/1"});
 }
 
 TEST_F(BackupQueueTest, ForgetsEverythingWhenCleared) {
@@ -293,6 +348,22 @@ TEST_F(PendingInQueueTest, NeverQueuesACopiedPhotoAgainAlthoughTheQueueCouldNotB
   queue->remove(path);
   queue->saveBackupQueue();
   queue->finishWriting();
+  EXPECT_EQ(stillPending(), QStringList());
+}
+
+TEST_F(PendingInQueueTest, KeepsAPhotoPendingUntilAWriteThatHoldsItsNewPathHasEnded) {
+  const QString path = photo("a.jpg");
+  const QStringList announced = {photo("b.jpg"), photo("another.jpg")};
+  QStringList whileWriting;
+  queue->pending()->add(path);
+  appendAndSave(path);
+  stored();
+  queue->pending()->add(announced);
+  files.callAfter(Operation::Replace, [&](const QString&, const QString&) { whileWriting = stillPending(); });
+  queue->follow({{{}, {{path, announced[0]}}}}, announced);
+  queue->saveBackupQueue();
+  EXPECT_EQ(stored(), QStringList{announced[0]});
+  EXPECT_EQ(whileWriting, QStringList{announced[0]});
   EXPECT_EQ(stillPending(), QStringList());
 }
 

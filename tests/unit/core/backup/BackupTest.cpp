@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <atomic>
 #include <gtest/gtest.h>
+#include <mutex>
 
 #include "core/backup/QueueFile.h"
 #include "unit/core/backup/BackupFixture.h"
@@ -141,11 +143,31 @@ class BackupAhead : public BackupTest {
     for (int i = 0; i < kPhotos; ++i)
       filed.append(save(QStringLiteral("%1.jpg").arg(i)));
   }
+  // What the queue file forgets before a crash could no longer undo the name of its copy.
+  void watchForForgottenPhotos() {
+    files.callAfter(Operation::MoveReplacing, [this](const QString&, const QString& to) {
+      const std::lock_guard lock(mutex);
+      unflushed.append(target + '/' + to.section('/', -1));
+    });
+    files.callAfter(Operation::FlushFolder, [this](const QString&, const QString&) {
+      const std::lock_guard lock(mutex);
+      unflushed.clear();
+    });
+    files.callAfter(Operation::Replace, [this](const QString& path, const QString&) {
+      const std::lock_guard lock(mutex);
+      const QStringList inFile = readQueueFile(path).value();
+      for (const QString& photo : unflushed)
+        if (!inFile.contains(photo)) forgotten.append(photo);
+    });
+  }
   QStringList temporaries() const { return QDir(copies).entryList({"*.ambrel_tmp"}, QDir::Files); }
   bool untilDone(qint64 count) {
     return until([=, this] { return backup->state().batchDone >= count; });
   }
   QStringList filed;
+  std::mutex mutex;  // guards the next two
+  QStringList unflushed;
+  QStringList forgotten;
 };
 
 }  // namespace
@@ -161,28 +183,115 @@ TEST_F(BackupAhead, CopiesEveryPhotoAndLeavesNothingElse) {
 
 // A crash may undo a move whose folder is not flushed.
 TEST_F(BackupAhead, NeverTakesAPhotoOutOfTheQueueFileBeforeTheNameOfItsCopyIsFlushed) {
-  std::mutex mutex;
-  QStringList unflushed;
-  QStringList forgotten;
-  files.callBefore(Operation::MoveReplacing, [&](const QString&, const QString& to) {
-    const std::lock_guard lock(mutex);
-    unflushed.append(target + '/' + to.section('/', -1));
-  });
-  files.callAfter(Operation::FlushFolder, [&](const QString&, const QString&) {
-    const std::lock_guard lock(mutex);
-    unflushed.clear();
-  });
-  files.callAfter(Operation::Replace, [&](const QString& path, const QString&) {
-    const std::lock_guard lock(mutex);
-    const QStringList inFile = readQueueFile(path).value();
-    for (const QString& photo : unflushed)
-      if (!inFile.contains(photo)) forgotten.append(photo);
-  });
+  watchForForgottenPhotos();
   switchOn();
   saveMany();
   ASSERT_TRUE(untilEmpty());
   EXPECT_EQ(storedQueue(), QStringList());
   EXPECT_EQ(forgotten, QStringList());
+}
+
+TEST_F(BackupAhead, LosesNoPhotoFromTheQueueWhenTheFlushOfTheirNamesFailsOnce) {
+  watchForForgottenPhotos();
+  switchOn();
+  saveMany();
+  ASSERT_TRUE(untilDone(3));
+  files.failCall(Operation::FlushFolder, 1, "Input/output error");
+  ASSERT_TRUE(untilFailed());
+  EXPECT_EQ(backup->state().batchDone + backup->queue().size(), kPhotos);
+  EXPECT_EQ(backup->state().batchTotal, kPhotos);
+  {
+    const std::lock_guard lock(mutex);
+    for (const QString& photo : unflushed)
+      EXPECT_TRUE(backup->queue().paths().contains(photo)) << photo.toStdString();
+    EXPECT_GT(unflushed.size(), 0);
+  }
+  clock.advance(Backup::kRetryPeriod);
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_EQ(storedQueue(), QStringList());
+  EXPECT_EQ(forgotten, QStringList());
+  EXPECT_EQ(unflushed, QStringList());
+}
+
+TEST_F(BackupAhead, KeepsEveryPhotoQueuedWhileTheirNamesCannotBeFlushedAndGoesOnOnceTheyCan) {
+  watchForForgottenPhotos();
+  files.failAlways(Operation::FlushFolder, "Input/output error");
+  switchOn();
+  saveMany();
+  for (int tick = 0; tick < 4; ++tick) {
+    ASSERT_TRUE(untilFailed());
+    EXPECT_EQ(backup->queue().paths(), filed);
+    EXPECT_EQ(backup->state().batchDone, 0);
+    EXPECT_EQ(backup->state().batchTotal, kPhotos);
+    const int tried = files.calls(Operation::FlushFolder);
+    clock.advance(Backup::kRetryPeriod);
+    ASSERT_TRUE(until([&] { return files.calls(Operation::FlushFolder) > tried; }));
+  }
+  ASSERT_TRUE(untilFailed());
+  EXPECT_EQ(storedQueue(), filed);
+  EXPECT_EQ(forgotten, QStringList());
+  files.mend(Operation::FlushFolder);
+  restart();
+  clock.advance(Backup::kStartDelay);
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_EQ(storedQueue(), QStringList());
+  EXPECT_EQ(unflushed, QStringList());
+}
+
+TEST_F(BackupAhead, TakesPhotosBackWhoseCopiesWentWithTheDriveBeforeTheirNamesWereFlushed) {
+  switchOn();
+  int copied = 0;
+  files.callBefore(Operation::CopyToNew, [&](const QString&, const QString&) {
+    if (++copied == 4) gate.acquire();
+  });
+  for (const QString name : {"a.jpg", "b.jpg", "c.jpg", "d.jpg"})
+    save(name);
+  ASSERT_TRUE(untilDone(3));
+  pullDrive();
+  letGo();
+  ASSERT_TRUE(untilFailed());
+  EXPECT_EQ(backup->state().batchDone + backup->queue().size(), 4);
+  EXPECT_EQ(operatorSeam.alerts.size(), 1u);
+  plugDrive();
+  clock.advance(Backup::kRetryPeriod);
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_EQ(copyOf("d.jpg"), "photo");
+  EXPECT_EQ(storedQueue(), QStringList());
+}
+
+// Somebody has removed the folder since: the copies are made anew.
+TEST_F(BackupAhead, CopiesAnewWhatWasInAFolderThatIsGoneWhenItIsToBeFlushed) {
+  const QString lost = copies + "/Ann";
+  std::atomic<bool> removed = false;
+  files.callBefore(Operation::FlushFolder, [&](const QString&, const QString&) {
+    if (!removed.exchange(true)) QDir(lost).removeRecursively();
+  });
+  switchOn();
+  for (int i = 0; i < kPhotos; ++i)
+    save(QStringLiteral("Ann/%1.jpg").arg(i));
+  ASSERT_TRUE(untilFailed());
+  clock.advance(Backup::kRetryPeriod);
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_EQ(QDir(lost).entryList(QDir::Files).size(), kPhotos);
+}
+
+TEST_F(BackupAhead, KeepsThePhotosOfABatchWhoseNamesCannotBeFlushedAfterItIsSwitchedOff) {
+  watchForForgottenPhotos();
+  switchOn();
+  saveMany();
+  ASSERT_TRUE(untilDone(3));
+  files.failCall(Operation::FlushFolder, 1, "Input/output error");
+  backup->toggleBackupEnabled();
+  ASSERT_TRUE(until([this] { return !backup->state().busy && temporaries().isEmpty(); }));
+  backup->toggleBackupEnabled();
+  backup->retryBackupNow();
+  ASSERT_TRUE(until([this] {
+    if (!backup->state().busy) clock.advance(Backup::kRetryPeriod);
+    return backup->queue().isEmpty() && !backup->state().busy;
+  }));
+  EXPECT_EQ(storedQueue(), QStringList());
+  EXPECT_EQ(forgotten, QStringList());
+  EXPECT_EQ(unflushed, QStringList());
 }
 
 TEST_F(BackupAhead, RemovesThemWhenItIsSwitchedOff) {
@@ -284,22 +393,23 @@ TEST_F(BackupTest, PausesWithOneAlertWhenTheDriveIsGone) {
   EXPECT_EQ(backup->card(), (BackupCardLook{"2 queued", BackupColor::Orange}));
 }
 
-TEST_F(BackupTest, PausesWithTheProgressOfItsBatchWhenTheDriveGoesBetweenTwoCopies) {
+TEST_F(BackupTest, PausesWithTheProgressOfItsBatchWhenACopyFails) {
   switchOn();
   int copied = 0;
+  files.failCall(Operation::CopyToNew, 4, "Input/output error");
   files.callBefore(Operation::CopyToNew, [&](const QString&, const QString&) {
     if (++copied == 4) gate.acquire();
   });
   for (const QString name : {"a.jpg", "b.jpg", "c.jpg", "d.jpg"})
     save(name);
   ASSERT_TRUE(until([this] { return backup->state().batchDone == 3 && backup->state().busy; }));
-  pullDrive();
+  files.failAlways(Operation::CopyToNew, "Input/output error");  // it is tried in its turn as well
   letGo();
   ASSERT_TRUE(untilFailed());
   EXPECT_EQ(backup->button().title, "Backup ⚠ 1");
   EXPECT_EQ(backup->backupStateText(), "75% (3/4) · 1 waiting — drive offline");
   EXPECT_EQ(operatorSeam.alerts.size(), 1u);
-  plugDrive();
+  files.mend(Operation::CopyToNew);
   clock.advance(Backup::kRetryPeriod);
   ASSERT_TRUE(untilEmpty());
   EXPECT_EQ(copyOf("d.jpg"), "photo");

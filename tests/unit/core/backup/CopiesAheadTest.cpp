@@ -236,7 +236,7 @@ TEST_F(CopiesAheadTest, RemovesCopiesThatAreNoLongerWanted) {
 TEST_F(CopiesAheadTest, FlushesEachFolderOnceForAllThatMovedThere) {
   EXPECT_TRUE(ahead->isSettled());
   for (const QString path : {"/Ann/1", "/Ann/2", "/Bob/1"})
-    ahead->movedTo(folder.filePath("Copies") + path);
+    ahead->hasName(folder.filePath("Copies") + path);
   EXPECT_FALSE(ahead->isSettled());
   EXPECT_TRUE(ahead->isFlushDue());
   QStringList flushed;
@@ -255,7 +255,7 @@ TEST_F(CopiesAheadTest, LetsMovesWaitForThoseOfTheCopiesAhead) {
   flushUntilCopied(2);
   const CopyPlace a = photo("a");
   ASSERT_TRUE(copy(a, next));
-  ahead->movedTo(a.destination);
+  ahead->hasName(a.destination);
   EXPECT_FALSE(ahead->isSettled());
   ASSERT_TRUE(copy(next[0]));
   EXPECT_TRUE(ahead->isFlushDue());

@@ -33,6 +33,12 @@ TEST_F(PendingPhotosTest, RemembersPathsInTheirOrderAcrossARestart) {
   EXPECT_EQ(afterRestart(), (QStringList{"/Shots/c", "/Shots/a", "/Shots/b"}));
 }
 
+TEST_F(PendingPhotosTest, TakesManyPathsAtOnce) {
+  pending.add("/Shots/b");
+  pending.add(QStringList{"/Shots/c", "/Shots/b", "/Shots/a"});
+  EXPECT_EQ(afterRestart(), (QStringList{"/Shots/b", "/Shots/c", "/Shots/a"}));
+}
+
 TEST_F(PendingPhotosTest, ForgetsWhatIsSettled) {
   pending.add("/Shots/a");
   pending.add("/Shots/b");

@@ -47,7 +47,7 @@ TEST(CheckedFolderName, RefusesTheFoldersOwnNameAndWhatIsNoText) {
 class RenameFolderTest : public FoldersFixture {
  protected:
   RenameOutcome rename(const std::string& folder, const std::string& newName) {
-    return renameFolderFSAt(broken, inTarget(folder), newName, [] { return false; });
+    return renameFolderFSAt(broken, inTarget(folder), newName, {[] { return false; }});
   }
 
   BrokenFiles broken{files};
@@ -64,6 +64,25 @@ TEST_F(RenameFolderTest, RenamesTheFolderAndThePhotosNamedAfterIt) {
   EXPECT_EQ(allInTarget(), (Names{"Bea/", "Bea/Ann_notes.txt", "Bea/Bea_0001.JPG", "Bea/Bea_0007.cr3",
                                   "Bea/IMG_1.JPG", "Bea/sub/", "Bea/sub/Ann_1.JPG"}));
   EXPECT_EQ(bytesOf(inTarget("Bea/Bea_0001.JPG")), "Ann/Ann_0001.JPG");
+}
+
+TEST_F(RenameFolderTest, TellsWhatHasMovedAndBeforehandWhatAPhotoMayBeCalled) {
+  makeFiles({"Ann/Ann_0001.JPG", "Ann/Ann_0002.JPG", "Ann/Bea_0001.JPG", "Ann/notes.txt"});
+  QStringList announced;
+  Names whenAnnounced;
+  const RenameOutcome outcome = renameFolderFSAt(broken, inTarget("Ann"), "Bea",
+                                                 {.stop = [] { return false; },
+                                                  .willTake =
+                                                      [&](const QStringList& paths) {
+                                                        announced = paths;
+                                                        whenAnnounced = allInTarget();
+                                                      }});
+  EXPECT_EQ(whenAnnounced.front(), "Ann/");
+  EXPECT_EQ(outcome.moved.folders, (Moves{{inTarget("Ann"), inTarget("Bea")}}));
+  EXPECT_EQ(outcome.moved.files, (Moves{{inTarget("Bea/Ann_0002.JPG"), inTarget("Bea/Bea_0002.JPG")}}));
+  for (const std::string name : {"Ann_0001.JPG", "Ann_0002.JPG", "Bea_0001.JPG", "Bea_0002.JPG"})
+    EXPECT_TRUE(announced.contains(QString::fromStdString(inTarget("Bea/" + name)))) << name;
+  EXPECT_FALSE(announced.contains(QString::fromStdString(inTarget("Bea/notes.txt"))));
 }
 
 TEST_F(RenameFolderTest, APhotoWhoseNewNameIsTakenKeepsItsNameAndCounts) {
@@ -173,6 +192,20 @@ TEST_F(RenameFolderTest, MovesPhotosWhoseNamesAreNotText) {
   EXPECT_EQ(allInTarget(), (Names{"Bea/", "Bea/Bea_0001.jpg", "Bea/Bea_0002.jpg"}));
 }
 
+TEST_F(RenameFolderTest, TellsOfAMergeOnlyWhatHasMoved) {
+  makeFiles({"Ann/1.JPG", "Ann/2.JPG", "Bea/Bea_0003.JPG"});
+  broken.failCall(BrokenFiles::Operation::Move, 1, "busy");
+  QStringList announced;
+  const RenameOutcome outcome = renameFolderFSAt(
+      broken, inTarget("Ann"), "Bea",
+      {.stop = [] { return false; }, .willTake = [&](const QStringList& paths) { announced = paths; }});
+  EXPECT_EQ(outcome.photos, 2);
+  EXPECT_TRUE(outcome.moved.folders.empty());
+  ASSERT_EQ(outcome.moved.files.size(), 1u);
+  EXPECT_EQ(outcome.moved.files[0].to, inTarget("Bea/Bea_0005.JPG"));
+  EXPECT_EQ(announced.size(), 2);
+}
+
 TEST_F(RenameFolderTest, AFolderThatIsALinkGivesItsPhotosAndStays) {
   makeFile("../elsewhere/1.JPG");
   std::filesystem::create_symlink("../elsewhere", inTarget("Ann"));
@@ -185,7 +218,7 @@ TEST_F(RenameFolderTest, StopsBetweenTwoPhotosWhenNobodyWaitsForItAnyMore) {
   makeFiles({"Ann/1.JPG", "Ann/2.JPG", "Ann/3.JPG"});
   makeFolder("Bea");
   int asked = 0;
-  renameFolderFSAt(broken, inTarget("Ann"), "Bea", [&] { return ++asked > 2; });
+  renameFolderFSAt(broken, inTarget("Ann"), "Bea", {[&] { return ++asked > 2; }});
   EXPECT_EQ(broken.calls(BrokenFiles::Operation::Move), 2);
   EXPECT_EQ(allInTarget().size(), 5u);
 }

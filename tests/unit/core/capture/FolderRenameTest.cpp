@@ -47,6 +47,7 @@ class FolderRenameTest : public FoldersFixture {
 
   std::string backup = path(QStringLiteral("Backup")).toStdString();
   bool backupOn = false;
+  std::function<void(const std::function<void()>&)> waitForRest = [](const auto& act) { act(); };
   ScriptedOperator operatorSeam;
   Tags tags{preferences, operatorSeam, statusLine};
   BrokenFiles broken{files};
@@ -62,7 +63,8 @@ class FolderRenameTest : public FoldersFixture {
                            [this](const QString& folder) {
                              return backupOn ? QString::fromStdString(backup) + folder.mid(targetDir.size())
                                              : QString();
-                           }}};
+                           },
+                       .whenBackupRests = [this](const std::function<void()>& act) { waitForRest(act); }}};
 };
 
 // ---- Moving the photos of a row
@@ -477,6 +479,51 @@ TEST_F(FolderRenameTest, AFolderWithoutACopyLeavesTheBackupAlone) {
   makeFile("Ann/Ann_0001.JPG");
   apply(inTargetDir("Ann"), "Bea");
   EXPECT_EQ(allBelow(backup), Names());
+}
+
+TEST_F(FolderRenameTest, TellsWhenARenameBeginsWhatItMovedAndThatTheBackupHasFollowed) {
+  backupOn = true;
+  makeFiles({"Ann/Ann_0001.JPG", "../Backup/Ann/Ann_0001.JPG"});
+  QStringList told;
+  QObject::connect(&rename, &FolderRename::renameBegins, [&] { told.append("begins"); });
+  QObject::connect(&rename, &FolderRename::photosMoved, [&](const Renamed& renamed) {
+    told.append(QStringLiteral("moved %1").arg(renamed.moved.at(0).files.size()));
+    EXPECT_EQ(allBelow(backup), (Names{"Ann/", "Ann/Ann_0001.JPG"}));
+  });
+  QObject::connect(&rename, &FolderRename::backupFollowed, [&] {
+    told.append("followed");
+    EXPECT_EQ(allBelow(backup), (Names{"Bea/", "Bea/Bea_0001.JPG"}));
+  });
+  apply(inTargetDir("Ann"), "Bea");
+  EXPECT_EQ(told, (QStringList{"begins", "moved 1", "followed"}));
+}
+
+TEST_F(FolderRenameTest, TellsTheEndOfARenameThatTheBackupHasNoPartIn) {
+  int begun = 0;
+  int followed = 0;
+  QObject::connect(&rename, &FolderRename::renameBegins, [&] { ++begun; });
+  QObject::connect(&rename, &FolderRename::backupFollowed, [&] { ++followed; });
+  makeFile("Ann/Ann_0001.JPG");
+  apply(inTargetDir("Ann"), "Bea");
+  apply(inTargetDir("Bea"), "Bea");
+  EXPECT_EQ(begun, 2);
+  EXPECT_EQ(followed, 2);
+}
+
+TEST_F(FolderRenameTest, TheBackupFollowsWhenItRestsOrWhenTheApplicationQuits) {
+  backupOn = true;
+  makeFiles({"Ann/Ann_0001.JPG", "../Backup/Ann/Ann_0001.JPG"});
+  std::function<void()> atRest;
+  waitForRest = [&](const std::function<void()>& act) { atRest = act; };
+  rename.applyFolderRename(inTargetDir("Ann"), "Bea");
+  serve();
+  EXPECT_EQ(allBelow(backup), (Names{"Ann/", "Ann/Ann_0001.JPG"}));
+  ASSERT_TRUE(atRest);
+  EXPECT_TRUE(rename.finishMirroring(kLongEnough));
+  EXPECT_EQ(allBelow(backup), (Names{"Bea/", "Bea/Bea_0001.JPG"}));
+  atRest();
+  EXPECT_TRUE(rename.finishMirroring(kLongEnough));
+  EXPECT_EQ(allBelow(backup), (Names{"Bea/", "Bea/Bea_0001.JPG"}));
 }
 
 TEST_F(FolderRenameTest, ABackupDriveThatHangsHoldsUpNeitherTheReportNorFiling) {
