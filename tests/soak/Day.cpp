@@ -40,7 +40,7 @@ Day::Day(const Plan& plan, std::uint64_t seed, const Places& places, const Drive
       _live(places.home),
       _troublemaker(places, drive, _shutter, _live),
       _hands(places, _live),
-      _meter(plan.length),
+      _meter(plan.length, plan.hours()),
       _diary(places.root + QStringLiteral("/diary")) {
   if (!_diary.open(QIODevice::WriteOnly)) wrong(QStringLiteral("The diary cannot be written."));
   _clock.start();
@@ -174,10 +174,6 @@ void Day::makeTrouble() {
     _faultRuns = false;
     _holdFire = false;
     note(QStringLiteral("over: ") + nameOf(fault.mishap));
-    if (Troublemaker::concernsData(fault.mishap)) {
-      _dataFaultEnded = now();
-      _revisionOfDataFault = _live.app->list().grid().revision();
-    }
     return _troublemaker.end(fault);
   }
   if (_nextFault == _plan.faults.size() || now() < _plan.faults[_nextFault].at) return;
@@ -260,6 +256,7 @@ void Day::converge() {
   _workerDescriptorsAtLast = Meter::descriptors(static_cast<pid_t>(_live.link->processId()));
   watchEventLoop();
   _heartbeat.reset();
+  _meter.stop();
 }
 
 void Day::takeStock() {

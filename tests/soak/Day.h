@@ -54,7 +54,7 @@ class Day {
   void listen();
   void startApplication();
   void quitApplication();
-  void compareStore(const std::vector<Row>& rows, std::uint64_t revision);
+  void compareStore(const std::vector<Row>& rows);
   void checkQueueFile();
   void watchEventLoop();
   void workerSaid(const QByteArray& line);
@@ -93,9 +93,7 @@ class Day {
   bool _faultRuns = false;
   bool _holdFire = false;  // until the fault is over
   milliseconds _faultEnds{0};
-  milliseconds _dataFaultEnded{0};
-  std::uint64_t _revisionOfDataFault = 0;  // of the list when it ended; 0: there was none
-  milliseconds _calmSince{-1};             // -1: not calm
+  milliseconds _calmSince{-1};  // -1: not calm
 
   // What is heard
   bool _watched = false;

@@ -18,8 +18,6 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// A save that failed is made up for within this time.
-constexpr milliseconds kOneRetryPeriod{25'000};
 // Memory is judged after this much of a day; before, it has not settled.
 constexpr milliseconds kLongEnoughToJudge = std::chrono::minutes(5);
 constexpr double kMostGrowthPerHourMB = 1;
@@ -67,10 +65,17 @@ QString memoryLine(const Meter::Memory& memory) {
   QString text = QStringLiteral("%1 MB, later %2 MB, at most %3 MB")
                      .arg(megabytes(memory.firstMB), megabytes(memory.lastMB), megabytes(memory.mostMB));
   if (memory.perHour.known)
-    text += QStringLiteral("; slope %1 MB/h, standard error %2")
+    text += QStringLiteral("; slope %1 MB per hour of the day, standard error %2")
                 .arg(QString::number(memory.perHour.slope, 'f', 2),
                      QString::number(memory.perHour.error, 'f', 2));
   return text;
+}
+
+QString courseText(const std::vector<double>& course) {
+  QStringList sizes;
+  for (const double size : course)
+    sizes << QString::number(size, 'f', 2);
+  return sizes.join(QLatin1Char(' '));
 }
 
 }  // namespace
@@ -143,7 +148,6 @@ void Day::startApplication() {
 void Day::quitApplication() {
   _heartbeat.reset();
   const std::vector<Row> rows = wholeRows(_live.app->list().grid().rows());
-  const std::uint64_t revision = _live.app->list().grid().revision();
   _backedUpBefore += _live.app->backup().backupDoneCount();
   const milliseconds before = now();
   _live.quit();
@@ -154,7 +158,7 @@ void Day::quitApplication() {
   _filingsOpen = 0;
   if (::testing::UnitTest::GetInstance()->ad_hoc_test_result().Failed())
     wrong(QStringLiteral("The operator was asked what nobody expected."));
-  compareStore(rows, revision);
+  compareStore(rows);
 }
 
 void Day::checkQueueFile() {
@@ -165,12 +169,9 @@ void Day::checkQueueFile() {
     wrong(QStringLiteral("%1 photos are left in the backup queue's file.").arg(queue.value().size()));
 }
 
-// While the data folder fails, and until the list changes or a save is tried again, it is in memory alone.
-void Day::compareStore(const std::vector<Row>& rows, std::uint64_t revision) {
-  const bool failing = _faultRuns && Troublemaker::concernsData(_plan.faults[_nextFault].mishap);
-  const bool mayBeLate = revision == _revisionOfDataFault && now() - _dataFaultEnded < kOneRetryPeriod;
-  if (failing || mayBeLate) return;
-  _revisionOfDataFault = 0;
+// While the data folder fails the list is in memory alone.
+void Day::compareStore(const std::vector<Row>& rows) {
+  if (_faultRuns && Troublemaker::concernsData(_plan.faults[_nextFault].mishap)) return;
   ++_storesCompared;
   const auto stored = readGrid(_live.locations.dataFile(QStringLiteral("ambrel_grid.csv")));
   if (!stored) return wrong(QStringLiteral("The list store cannot be read."));
@@ -203,9 +204,11 @@ void Day::judgeMeasures() {
               .arg(_workerDescriptorsAtFirst)
               .arg(_workerDescriptorsAtLast));
   if (_plan.length < kLongEnoughToJudge || kSanitized || !memory.perHour.known) return;
-  const double surely = memory.perHour.slope - 2 * memory.perHour.error;
-  if (surely > kMostGrowthPerHourMB)
-    wrong(QStringLiteral("Memory grows by at least %1 MB an hour.").arg(megabytes(surely)));
+  for (const Trend& trend : {memory.perHour, _meter.applicationInUse().perHour}) {
+    const double surely = trend.slope - 2 * trend.error;
+    if (surely > kMostGrowthPerHourMB)
+      wrong(QStringLiteral("Memory grows by at least %1 MB per hour of the day.").arg(megabytes(surely)));
+  }
   if (memory.lastMB - memory.firstMB > kMostGrowthMB)
     wrong(QStringLiteral("Memory grew by %1 MB.").arg(megabytes(memory.lastMB - memory.firstMB)));
 }
@@ -213,6 +216,7 @@ void Day::judgeMeasures() {
 QStringList Day::table() const {
   QStringList lines;
   const double minutes = static_cast<double>(_shootingTime.count()) / 60'000;
+  lines << line("stands for", QStringLiteral("%1 hours of shooting").arg(_plan.hours(), 0, 'f', 1));
   lines << line("shooting", QStringLiteral("%1 min, %2 photos in %3 bursts, %4 a second")
                                 .arg(minutes, 0, 'f', 1)
                                 .arg(number(_shutter.taken()), number(_nextBurst))
@@ -247,6 +251,9 @@ QStringList Day::table() const {
                 QStringLiteral("%1 s").arg(static_cast<double>(_convergence.count()) / 1000, 0, 'f', 1));
   lines << line("list stores compared", number(_storesCompared));
   lines << line("memory of the application", memoryLine(_meter.application()));
+  lines << line("  in tenths of the day", courseText(_meter.courseMB(10)));
+  lines << line("  of that in use", memoryLine(_meter.applicationInUse()));
+  lines << line("  in tenths of the day", courseText(_meter.courseInUseMB(10)));
   lines << line(QStringLiteral("  of a worker, %1 s old").arg(_meter.longestWorkerLived().count()),
                 memoryLine(_meter.longestWorker()));
   lines << line("  most of any worker", megabytes(_meter.mostOfAnyWorkerMB()) + QStringLiteral(" MB"));

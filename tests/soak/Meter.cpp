@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <malloc.h>
 #include <string>
 #include <unistd.h>
 #include <utility>
@@ -11,7 +12,6 @@
 namespace ambrel::soak {
 namespace {
 
-constexpr double kMillisecondsPerHour = 3'600'000;
 constexpr double kBytesPerMegabyte = 1 << 20;
 
 std::filesystem::path processFolder(pid_t process) {
@@ -21,11 +21,12 @@ std::filesystem::path processFolder(pid_t process) {
 }  // namespace
 
 // What it keeps is allocated beforehand, so that measuring does not show in what is measured.
-Meter::Meter(std::chrono::milliseconds expectedLength) {
-  const auto samples = static_cast<std::size_t>(2 * expectedLength / kPeriod) + 200;
-  for (Series* series : {&_application, &_worker, &_longestWorker})
+Meter::Meter(std::chrono::milliseconds length, double hoursOfTheDay)
+    : _hoursPerMillisecond(hoursOfTheDay / static_cast<double>(length.count())) {
+  const auto samples = static_cast<std::size_t>(2 * length / kPeriod) + 200;
+  for (Series* series : {&_application, &_applicationInUse, &_worker, &_longestWorker})
     series->points.assign(samples, {});
-  for (Series* series : {&_application, &_worker, &_longestWorker})
+  for (Series* series : {&_application, &_applicationInUse, &_worker, &_longestWorker})
     series->points.clear();
   _clock.start();
 }
@@ -48,10 +49,13 @@ int Meter::descriptors(pid_t process) {
 }
 
 void Meter::tick(pid_t worker) {
-  if (_clock.elapsed() < _nextSample) return;
+  if (_stopped || _clock.elapsed() < _nextSample) return;
   _nextSample = _clock.elapsed() + kPeriod.count();
-  const double hours = static_cast<double>(_clock.elapsed()) / kMillisecondsPerHour;
+  const double hours = static_cast<double>(_clock.elapsed()) * _hoursPerMillisecond;
   if (const auto size = megabytes(0)) _application.points.push_back({hours, *size});
+  const struct mallinfo2 heap = ::mallinfo2();
+  _applicationInUse.points.push_back(
+      {hours, static_cast<double>(heap.uordblks + heap.hblkhd) / kBytesPerMegabyte});
   if (worker != _worker.process) {
     if (_worker.points.size() > _longestWorker.points.size()) std::swap(_worker, _longestWorker);
     _worker.points.clear();
@@ -74,6 +78,26 @@ Meter::Memory Meter::memoryOf(const Series& series) {
 
 Meter::Memory Meter::application() const {
   return memoryOf(_application);
+}
+
+Meter::Memory Meter::applicationInUse() const {
+  return memoryOf(_applicationInUse);
+}
+
+std::vector<double> Meter::courseOf(const Series& series, std::size_t moments) {
+  std::vector<double> course;
+  const std::size_t points = series.points.size();
+  for (std::size_t moment = 0; points > 0 && moment <= moments; ++moment)
+    course.push_back(series.points[std::min(moment * points / moments, points - 1)].y);
+  return course;
+}
+
+std::vector<double> Meter::courseMB(std::size_t moments) const {
+  return courseOf(_application, moments);
+}
+
+std::vector<double> Meter::courseInUseMB(std::size_t moments) const {
+  return courseOf(_applicationInUse, moments);
 }
 
 Meter::Memory Meter::longestWorker() const {

@@ -147,6 +147,10 @@ Plan makePlan(double minutes, std::uint64_t seed) {
   return plan;
 }
 
+double Plan::hours() const {
+  return kHoursOfADay * static_cast<double>(photos) / kMostPhotos;
+}
+
 QString nameOf(Act act) {
   return QString::fromLatin1(kActNames[static_cast<std::size_t>(act)]);
 }

@@ -106,10 +106,14 @@ struct Plan {
   std::vector<std::chrono::milliseconds> restarts;  // of the application
   std::size_t photos = 0;                           // files; a pair has two
 
+  // Of the day that it presses together.
+  double hours() const;
   bool operator==(const Plan&) const = default;
 };
 
+// In eight hours.
 constexpr std::size_t kMostPhotos = 3000;
+constexpr double kHoursOfADay = 8;
 
 Plan makePlan(double minutes, std::uint64_t seed);
 QStringList linesOf(const Plan& plan);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "soak/Shutter.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -18,6 +19,10 @@ std::string orderFor(const Shot& shot) {
       return "shoot kind=pair" + size + " rawsize=" + std::to_string(shot.size + kRawSurplus);
   }
   return {};
+}
+
+bool isSecondOfPair(std::size_t size) {
+  return (size - kSmallestPhoto) % kBetweenSizes == kRawSurplus;
 }
 
 std::size_t numberIn(const std::string& text) {
@@ -74,13 +79,21 @@ void Shutter::tell(const std::string& command) {
   });
 }
 
+std::size_t Shutter::Press::missing() const {
+  const auto reported = static_cast<std::size_t>(
+      std::count_if(timesReported.begin(), timesReported.end(), [](auto times) { return times > 0; }));
+  return mustArrive && reported < files ? files - reported : 0;
+}
+
 void Shutter::reported(std::size_t size) {
-  ++_timesReported[size];
   const std::size_t shot = shotOfSize(size);
-  if (size < kSmallestPhoto || shot >= _presses.size()) return;  // records() tells
+  if (size < kSmallestPhoto || shot >= _presses.size()) {
+    _wrong << QStringLiteral("A photo of %1 bytes was reported, which the camera has not made.").arg(size);
+    return;
+  }
   Press& press = _presses[shot];
   _onTheirWay -= press.missing();
-  ++press.reported;
+  ++press.timesReported[isSecondOfPair(size) ? 1 : 0];
   _onTheirWay += press.missing();
 }
 
@@ -93,14 +106,11 @@ void Shutter::troubleBegins() {
 
 std::map<std::string, Shutter::Record> Shutter::records() {
   std::map<std::string, Record> records;
-  std::map<std::size_t, int> unknown = _timesReported;
   for (const SimulatedPhoto& photo : _camera.photos()) {
-    const std::size_t shot = shotOfSize(photo.size);
-    records[photo.sha256] = {photo, _timesReported[photo.size], _presses.at(shot).mustArrive};
-    unknown.erase(photo.size);
+    const Press& press = _presses.at(shotOfSize(photo.size));
+    records[photo.sha256] = {photo, press.timesReported[isSecondOfPair(photo.size) ? 1 : 0],
+                             press.mustArrive};
   }
-  for (const auto& [size, times] : unknown)
-    _wrong << QStringLiteral("A photo of %1 bytes was reported, which the camera has not made.").arg(size);
   return records;
 }
 

@@ -3,6 +3,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <array>
 #include <map>
 #include <string>
 #include <vector>
@@ -48,20 +49,19 @@ class Shutter {
  private:
   struct Press {
     std::size_t files = 0;
-    std::size_t reported = 0;
     bool mustArrive = false;
-    std::size_t missing() const { return mustArrive && reported < files ? files - reported : 0; }
+    std::array<std::uint16_t, 2> timesReported{};  // the file itself, and the raw file of a pair
+    std::size_t missing() const;
   };
   void answered(std::size_t shot, const std::string& answer, bool trouble);
 
   SimulatedCamera _camera;
-  std::vector<Press> _presses;  // by their place in the plan
+  std::vector<Press> _presses;  // by their place in the plan; all there from the beginning
   std::size_t _taken = 0;
   std::size_t _onTheirWay = 0;
   std::size_t _unanswered = 0;
   bool _trouble = false;
   QStringList _wrong;
-  std::map<std::size_t, int> _timesReported;  // by size
   SerialThread _thread;
 };
 
