@@ -211,6 +211,7 @@ void AmbrelAppDelegate::buildUI() {
   _screen->applyAppearance();
   _clock.callAfter(kReleaseCheckDelay, this, [this] { _releaseCheck.checkForUpdatesInBackgroundIfDue(); });
   _camera.startAutoDetectTimer();
+  _saveAgainTimer = _clock.callEvery(kSaveAgainPeriod, this, [this] { _list.saveGridIfUnsaved(); });
   _screen->showWindow();
 }
 
@@ -220,7 +221,9 @@ void AmbrelAppDelegate::applicationWillTerminate() {
   const QDeadlineTimer deadline(kTimeForPhotosWhenQuitting);
   _filer.finishQueued(kTimeForPhotosWhenQuitting);
   _folderRename.finishMirroring(std::chrono::milliseconds(deadline.remainingTime()));
+  _list.saveGridIfUnsaved();
   savePersistentPaths();
+  _clock.cancel(_saveAgainTimer);
   _storage.stopTimer();
   _camera.stopAutoDetectTimer();
   _backup.stop();

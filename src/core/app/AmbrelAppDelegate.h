@@ -60,6 +60,7 @@ class AmbrelAppDelegate : public QObject {
   static constexpr std::chrono::milliseconds kSplashTime{1150};
   static constexpr std::chrono::milliseconds kReleaseCheckDelay{3000};  // after the window is built
   static constexpr std::chrono::milliseconds kTimeForPhotosWhenQuitting{2000};
+  static constexpr std::chrono::seconds kSaveAgainPeriod{20};  // a list that could not be saved
 
   AmbrelAppDelegate(Clock& clock, Operator& operatorSeam, Files& files, WorkerLink& link,
                     const Surroundings& surroundings);
@@ -164,6 +165,7 @@ class AmbrelAppDelegate : public QObject {
   PreviewList _preview;
   CameraConnection _camera;
   ReleaseCheck _releaseCheck;
+  Clock::TimerId _saveAgainTimer = Clock::kNoTimer;
 };
 
 }  // namespace ambrel

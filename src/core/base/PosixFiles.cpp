@@ -97,45 +97,6 @@ Result<void> flushOpenFolder(FileSystemCalls& calls, Descriptor& folder) {
   return {};
 }
 
-// A new file beside its future place, gone again unless it gets there.
-class Temporary {
- public:
-  Temporary(FileSystemCalls& calls, const QByteArray& folder, mode_t mode)
-      : _calls(calls), _path(unusedName(folder)) {
-    for (int attempt = 1; !open(mode) && errno == EEXIST && attempt < kMaxNameAttempts; ++attempt) {
-      _path = unusedName(folder);
-    }
-  }
-  ~Temporary() {
-    if (_exists) _calls.unlink(_path.constData());
-  }
-  Temporary(const Temporary&) = delete;
-  Temporary& operator=(const Temporary&) = delete;
-
-  bool exists() const { return _exists; }
-  const QByteArray& path() const { return _path; }
-  Descriptor& file() { return *_file; }
-  void hasMoved() { _exists = false; }
-
- private:
-  // Short and independent of the final name, which may be as long as the file system allows.
-  static QByteArray unusedName(const QByteArray& folder) {
-    const quint64 random = QRandomGenerator::system()->generate64();
-    return folder + "/." + QByteArray::number(random, 16) + PosixFiles::kTemporarySuffix;
-  }
-
-  bool open(mode_t mode) {
-    _file.emplace(_calls, _path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, mode);
-    _exists = _file->isOpen();
-    return _exists;
-  }
-
-  FileSystemCalls& _calls;
-  QByteArray _path;
-  std::optional<Descriptor> _file;
-  bool _exists = false;
-};
-
 Result<void> writeAll(FileSystemCalls& calls, Descriptor& file, const QByteArray& bytes) {
   for (qsizetype done = 0; done < bytes.size();) {
     const auto left = static_cast<std::size_t>(bytes.size() - done);
@@ -249,6 +210,68 @@ MoveResult moveExclusively(FileSystemCalls& calls, const QByteArray& from, const
 
 }  // namespace
 
+void PosixFiles::Leftovers::add(const QByteArray& path) {
+  const std::lock_guard lock(_mutex);
+  _paths.append(path);
+}
+
+void PosixFiles::Leftovers::removeBeside(FileSystemCalls& calls, const QByteArray& path) {
+  const QByteArray folder = folderOf(path);
+  QByteArrayList beside;
+  {
+    const std::lock_guard lock(_mutex);
+    for (const QByteArray& leftover : _paths)
+      if (folderOf(leftover) == folder) beside.append(leftover);
+    for (const QByteArray& leftover : beside)
+      _paths.removeOne(leftover);
+  }
+  for (const QByteArray& leftover : beside)
+    if (calls.unlink(leftover.constData()) != 0 && errno != ENOENT) add(leftover);
+}
+
+// A new file beside its future place, gone again unless it gets there.
+class PosixFiles::Temporary {
+ public:
+  Temporary(FileSystemCalls& calls, Leftovers& leftovers, const QByteArray& folder, mode_t mode)
+      : _calls(calls), _leftovers(leftovers), _path(unusedName(folder)) {
+    for (int attempt = 1; !open(mode) && errno == EEXIST && attempt < kMaxNameAttempts; ++attempt) {
+      _path = unusedName(folder);
+    }
+  }
+  ~Temporary() {
+    if (_exists && _calls.unlink(_path.constData()) != 0) _leftovers.add(_path);
+  }
+  Temporary(const Temporary&) = delete;
+  Temporary& operator=(const Temporary&) = delete;
+
+  bool exists() const { return _exists; }
+  const QByteArray& path() const { return _path; }
+  Descriptor& file() { return *_file; }
+  void hasMoved() {
+    _exists = false;
+    _leftovers.removeBeside(_calls, _path);
+  }
+
+ private:
+  // Short and independent of the final name, which may be as long as the file system allows.
+  static QByteArray unusedName(const QByteArray& folder) {
+    const quint64 random = QRandomGenerator::system()->generate64();
+    return folder + "/." + QByteArray::number(random, 16) + PosixFiles::kTemporarySuffix;
+  }
+
+  bool open(mode_t mode) {
+    _file.emplace(_calls, _path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, mode);
+    _exists = _file->isOpen();
+    return _exists;
+  }
+
+  FileSystemCalls& _calls;
+  Leftovers& _leftovers;
+  QByteArray _path;
+  std::optional<Descriptor> _file;
+  bool _exists = false;
+};
+
 Result<void> PosixFiles::replaceWhole(const QString& path, const QByteArray& bytes) {
   return replace(path, bytes, Durability::Flushed);
 }
@@ -271,7 +294,7 @@ Result<void> PosixFiles::replace(const QString& path, const QByteArray& bytes, D
     folder.emplace(_calls, folderOf(place), O_RDONLY | O_DIRECTORY);
     if (!folder->isOpen()) return lastFailure();
   }
-  Temporary temporary(_calls, folderOf(place), destination.value().mode);
+  Temporary temporary(_calls, _leftovers, folderOf(place), destination.value().mode);
   if (!temporary.exists()) return lastFailure();
   if (const auto written = writeAll(_calls, temporary.file(), bytes); !written) return written;
   if (flushed) {
@@ -315,7 +338,7 @@ MoveResult PosixFiles::copyWhole(const QString& from, const QString& to) {
   if (!S_ISREG(status.st_mode)) return failedMove(QStringLiteral("Not a regular file"));
   Descriptor folder(_calls, folderOf(place.value()), O_RDONLY | O_DIRECTORY);
   if (!folder.isOpen()) return failedMove(sentence(errno));
-  Temporary temporary(_calls, folderOf(place.value()), status.st_mode & 0777);
+  Temporary temporary(_calls, _leftovers, folderOf(place.value()), status.st_mode & 0777);
   if (!temporary.exists()) return failedMove(sentence(errno));
   Descriptor& copy = temporary.file();
   if (const auto done = copyAll(_calls, original, copy, status.st_size); !done)

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <QByteArrayList>
+#include <mutex>
+
 #include "core/base/FileSystemCalls.h"
 #include "core/base/Files.h"
 
 namespace ambrel {
 
-// Files on the system's own calls. Holds no state: any number of threads may use one.
+// Files on the system's own calls. Any number of threads may use one.
 class PosixFiles : public Files {
  public:
   // Ends the name of every file that is still being written; such names begin with a dot.
@@ -30,11 +33,24 @@ class PosixFiles : public Files {
   VolumeSpace volumeSpace(const QString& path) override;
 
  private:
+  // Temporary files that a failing disk would not let go. Whoever next gets a file written in the same folder
+  // takes them away: elsewhere the disk may still hang.
+  class Leftovers {
+   public:
+    void add(const QByteArray& path);
+    void removeBeside(FileSystemCalls& calls, const QByteArray& path);
+
+   private:
+    std::mutex _mutex;
+    QByteArrayList _paths;
+  };
+  class Temporary;
   enum class Durability { Unflushed, Flushed };
   Result<void> replace(const QString& path, const QByteArray& bytes, Durability durability);
 
   FileSystemCalls _systemCalls;
   FileSystemCalls& _calls;
+  Leftovers _leftovers;
 };
 
 }  // namespace ambrel

@@ -143,6 +143,7 @@ void NameList::reset() {
   _order.clear();
   dropSelection();
   _store.remove();
+  _unsaved = false;
   _rule.captureFilter = CaptureFilter::All;
   Q_EMIT captureFilterChanged();
   Q_EMIT reloaded();
@@ -194,7 +195,12 @@ bool NameList::showSelectionTotalsIfMultiple() {
 }
 
 bool NameList::saveGridToDisk() {
-  return _store.save(_grid);
+  _unsaved = !_store.save(_grid);
+  return !_unsaved;
+}
+
+void NameList::saveGridIfUnsaved() {
+  if (_unsaved) saveGridToDisk();
 }
 
 bool NameList::loadGridFromDisk() {

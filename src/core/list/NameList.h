@@ -82,8 +82,10 @@ class NameList : public QObject {
   // With two or more rows selected, their number and their photos in the status line; else false.
   bool showSelectionTotalsIfMultiple();
 
-  // Where it fails the list stays in memory, and the next change is saved with it.
+  // Where it fails the list stays in memory, and is saved with the next change or by the next call below.
   bool saveGridToDisk();
+  // Nothing where the last save went well.
+  void saveGridIfUnsaved();
   // False when the store is missing or holds no row.
   bool loadGridFromDisk();
   // Replaces the list by the first column of a CSV file, empty when that cannot be read; the number of rows
@@ -124,6 +126,7 @@ class NameList : public QObject {
   qint64 _tableSelectedLast = -1;  // display row
   qint64 _selectedRow = -1;
   QString _csvPath;
+  bool _unsaved = false;  // the last save failed
 };
 
 }  // namespace ambrel

@@ -1,22 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "integration/app/LiveSession.h"
 
-#include <QCoreApplication>
-#include <QDeadlineTimer>
-#include <QDir>
 #include <QDirIterator>
-#include <QFile>
 #include <gtest/gtest.h>
 #include <iostream>
 
 namespace ambrel {
 
-LiveSession::LiveSession() : locations(Locations::below(folder.filePath("home"))) {
+LiveSurroundings::LiveSurroundings() {
   qputenv("AMBREL_CAMERA_PORT", QByteArray::fromStdString(camera.gphotoPort()));
-  // Other tests run workers of their own beside this one: none of them is a stray.
-  app = std::make_unique<AmbrelAppDelegate>(clock, operatorSeam, files, link,
-                                            Surroundings{locations, Bundle(AMBREL_BUNDLE), [](qint64) {}});
-  QObject::connect(&link, &WorkerLink::blockArrived, app.get(), [this](const QByteArray& block) {
+}
+
+LiveSession::LiveSession() : LiveApplication(folder.filePath("home")) {
+  QObject::connect(link.get(), &WorkerLink::blockArrived, app.get(), [this](const QByteArray& block) {
     _transcript += block;
     if (block.startsWith("ERROR|")) errors.append(QString::fromUtf8(block.mid(6)).trimmed());
     if (block.startsWith("DOWNLOADED|")) reported.append(QString::fromUtf8(block.mid(11)).trimmed());
@@ -28,29 +24,12 @@ LiveSession::LiveSession() : locations(Locations::below(folder.filePath("home"))
                    });
 }
 
-LiveSession::~LiveSession() {
-  app->applicationWillTerminate();
-}
-
 void LiveSession::shootWith(const QStringList& names) {
-  app->applicationDidFinishLaunching(screen);
-  ASSERT_TRUE(waitUntil([this] { return screen.isBuilt(); }));
-  QFile csv(folder.filePath("names.csv"));
-  ASSERT_TRUE(csv.open(QIODevice::WriteOnly));
-  csv.write("Name\n" + names.join('\n').toUtf8());
-  csv.close();
-  operatorSeam.willChoose(csv.fileName());
-  app->listTransfer().loadCSV();
-  QDir().mkpath(target());
-  operatorSeam.willChoose(target());
-  app->selectFolder();
+  ASSERT_TRUE(launch());
+  importNames(folder.filePath("names.csv"), names);
+  chooseTarget(target());
   app->connectCameraManual();
   ASSERT_TRUE(waitUntil([this] { return watched; }));
-}
-
-void LiveSession::select(qint64 row) {
-  app->list().setSelectedRow(row);
-  app->list().selectModelRowIfVisible(row, false);
 }
 
 void LiveSession::shoot(const std::string& arguments, std::size_t count) {
@@ -62,15 +41,9 @@ void LiveSession::shoot(const std::string& arguments, std::size_t count) {
 }
 
 bool LiveSession::waitUntil(const std::function<bool()>& done, std::chrono::seconds limit) {
-  const QDeadlineTimer deadline(limit);
-  while (!done()) {
-    if (deadline.hasExpired()) {
-      std::cerr << "The worker said:\n" << _transcript.toStdString();
-      return false;
-    }
-    QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-  }
-  return true;
+  if (LiveApplication::waitUntil(done, limit)) return true;
+  std::cerr << "The worker said:\n" << _transcript.toStdString();
+  return false;
 }
 
 QStringList LiveSession::filesBelowTarget() const {

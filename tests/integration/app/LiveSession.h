@@ -2,33 +2,32 @@
 #pragma once
 
 #include <QTemporaryDir>
-#include <functional>
-#include <memory>
 #include <vector>
 
-#include "core/app/AmbrelAppDelegate.h"
-#include "core/base/PosixFiles.h"
-#include "core/base/SystemClock.h"
-#include "core/worker/ProcessLink.h"
-#include "support/RecordingScreen.h"
-#include "support/ScriptedOperator.h"
+#include "support/LiveApplication.h"
 #include "support/SimulatedCamera.h"
 
 namespace ambrel {
 
-// The application's core in real time on real files, with the real worker and a camera on loopback. Only the
-// window and the person are played.
-class LiveSession {
+// A folder and a camera on loopback of the session's own; made before the application.
+struct LiveSurroundings {
+  LiveSurroundings();
+
+  QTemporaryDir folder;
+  SimulatedCamera camera;
+};
+
+// The live application with a camera, and what came of it.
+class LiveSession : public LiveSurroundings, public LiveApplication {
  public:
   LiveSession();
-  ~LiveSession();
+  ~LiveSession() { quit(); }
 
   // Launches with these names and a target folder, connects, and waits until the camera is watched.
   void shootWith(const QStringList& names);
-  void select(qint64 row);
   // Presses the shutter and waits until that many more photos are filed.
   void shoot(const std::string& arguments = {}, std::size_t files = 1);
-  // Serves events until `done`, at most `limit`; whether it came to pass.
+  // As LiveApplication's, and tells what the worker said where it is in vain.
   bool waitUntil(const std::function<bool()>& done, std::chrono::seconds limit = std::chrono::seconds(60));
 
   struct Filed {
@@ -38,15 +37,6 @@ class LiveSession {
   QString target() const { return folder.filePath("Photos"); }
   QStringList filesBelowTarget() const;
 
-  QTemporaryDir folder;
-  SimulatedCamera camera;
-  Locations locations;
-  SystemClock clock;
-  ScriptedOperator operatorSeam;
-  PosixFiles files;
-  ProcessLink link;
-  RecordingScreen screen;
-  std::unique_ptr<AmbrelAppDelegate> app;
   std::vector<Filed> filed;
   bool watched = false;  // the worker has said that it watches; a test that cuts the link clears it
   QStringList errors;    // what the worker complained of

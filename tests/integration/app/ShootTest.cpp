@@ -96,7 +96,7 @@ TEST(Shoot, AccountsForEveryPhotoThroughTagsCutsSaveModesReconnectsAndKills) {
   const bool hostLossTold = !session.errors.isEmpty();
 
   session.watched = false;
-  ::kill(static_cast<pid_t>(session.link.processId()), SIGKILL);
+  ::kill(static_cast<pid_t>(session.link->processId()), SIGKILL);
   ASSERT_TRUE(session.waitUntil([&] { return session.watched; }));
   session.shoot();
 
@@ -140,9 +140,9 @@ TEST(Shoot, ComesBackAfterTheWorkerWasKilled) {
   LiveSession session;
   session.shootWith({"Anna"});
   session.shoot();
-  ASSERT_GT(session.link.processId(), 0);
+  ASSERT_GT(session.link->processId(), 0);
   session.watched = false;
-  ::kill(static_cast<pid_t>(session.link.processId()), SIGKILL);
+  ::kill(static_cast<pid_t>(session.link->processId()), SIGKILL);
   ASSERT_TRUE(session.waitUntil([&] { return !session.app->isWatching(); }));
   ASSERT_TRUE(session.waitUntil([&] { return session.watched; }));
   session.shoot();

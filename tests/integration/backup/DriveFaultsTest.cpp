@@ -5,12 +5,12 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
-#include <QProcessEnvironment>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 #include "core/backup/QueueFile.h"
 #include "core/base/Locations.h"
+#include "support/DriveMode.h"
 #include "support/EventLoop.h"
 #include "support/Printing.h"
 
@@ -32,25 +32,10 @@ class DriveFaults : public ::testing::Test {
     session.waitForFinished();
   }
 
-  // Replaced whole: the session reads it at any moment.
-  void setMode(const QByteArray& mode) const {
-    QFile next(modeFile + ".next");
-    ASSERT_TRUE(next.open(QIODevice::WriteOnly));
-    next.write(mode);
-    next.close();
-    ASSERT_EQ(
-        std::rename(QFile::encodeName(next.fileName()).constData(), QFile::encodeName(modeFile).constData()),
-        0);
-  }
+  void setMode(const QByteArray& mode) const { ASSERT_TRUE(drive.set(mode)); }
 
   void start(int photos, int pace) {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("LD_PRELOAD", AMBREL_FAULTY_DRIVE_LIBRARY);
-    environment.insert("AMBREL_FAULTY_DRIVE", home + "/Copies");
-    environment.insert("AMBREL_FAULTY_MODE", modeFile);
-    // The library stands before the sanitizer's own.
-    environment.insert("ASAN_OPTIONS", "verify_asan_link_order=0:detect_leaks=0");
-    session.setProcessEnvironment(environment);
+    session.setProcessEnvironment(drive.environmentFor(home + "/Copies"));
     session.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     session.start(AMBREL_BACKUP_SESSION, {home, QString::number(photos), QString::number(pace)});
     ASSERT_TRUE(session.waitForStarted());
@@ -91,7 +76,7 @@ class DriveFaults : public ::testing::Test {
 
   QTemporaryDir folder;
   const QString home = folder.filePath("home");
-  const QString modeFile = folder.filePath("mode");
+  const DriveMode drive{folder.filePath("mode")};
   QProcess session;
   QByteArray output;
   int count = 0;

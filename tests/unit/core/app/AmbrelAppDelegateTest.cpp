@@ -136,6 +136,75 @@ TEST(ShutDown, LeavesNoTimerThatActs) {
   EXPECT_TRUE(session.link.launches.empty());
 }
 
+// A file where the folder should be stands for a disk that takes nothing.
+class FullDisk {
+ public:
+  explicit FullDisk(const AppSession& session)
+      : _folder(session.locations.applicationSupport + "/Ambrel Tether") {
+    QDir().rename(_folder, _folder + " elsewhere");
+    session.writeFile(_folder, "not a folder");
+  }
+  ~FullDisk() {
+    QFile::remove(_folder);
+    QDir().rename(_folder + " elsewhere", _folder);
+  }
+
+ private:
+  const QString _folder;
+};
+
+TEST(ListOnAFullDisk, IsSavedOnceThereIsRoomAgainWithoutAnotherChange) {
+  AppSession session;
+  session.launch();
+  session.importNames({"Anna"});
+  const QString store = session.locations.dataFile("ambrel_grid.csv");
+  {
+    const FullDisk full(session);
+    session.app->list().setObjectValue("on Friday", Cell::Note, 0);
+    session.clock.advance(AmbrelAppDelegate::kSaveAgainPeriod);
+  }
+  EXPECT_FALSE(session.readFile(store).contains("on Friday"));
+  session.clock.advance(AmbrelAppDelegate::kSaveAgainPeriod);
+  EXPECT_TRUE(session.readFile(store).contains("on Friday"));
+}
+
+TEST(ListOnAFullDisk, IsSavedWhenQuittingIfThereIsRoomByThen) {
+  AppSession session;
+  session.launch();
+  session.importNames({"Anna"});
+  {
+    const FullDisk full(session);
+    session.app->list().setObjectValue("on Friday", Cell::Note, 0);
+  }
+  session.quit();
+  EXPECT_TRUE(session.readFile(session.locations.dataFile("ambrel_grid.csv")).contains("on Friday"));
+}
+
+TEST(ListOnAFullDisk, IsNotWrittenAgainWhereTheSaveWentWell) {
+  AppSession session;
+  session.launch();
+  session.importNames({"Anna"});
+  const QString store = session.locations.dataFile("ambrel_grid.csv");
+  QFile::remove(store);
+  session.clock.advance(2 * AmbrelAppDelegate::kSaveAgainPeriod);
+  session.quit();
+  EXPECT_FALSE(QFile::exists(store));
+}
+
+TEST(ListOnAFullDisk, IsForgottenByAReset) {
+  AppSession session;
+  session.launch();
+  session.importNames({"Anna"});
+  {
+    const FullDisk full(session);
+    session.app->list().setObjectValue("on Friday", Cell::Note, 0);
+  }
+  session.operatorSeam.willAnswer(0);
+  session.app->resetWorkflow();
+  session.clock.advance(AmbrelAppDelegate::kSaveAgainPeriod);
+  EXPECT_FALSE(QFile::exists(session.locations.dataFile("ambrel_grid.csv")));
+}
+
 TEST(ShutDown, FilesThePhotosThatStillWait) {
   AppSession session;
   session.launch();

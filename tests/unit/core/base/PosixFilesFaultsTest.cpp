@@ -451,6 +451,64 @@ TEST(PosixFilesFaults, AWriteThatTakesNothingIsAFullDisk) {
   EXPECT_TRUE(namesIn(folder.path()).isEmpty());
 }
 
+// ---- What a failing disk would not let go
+
+// The disk of FailingCalls until it is mended.
+class DiskForAWhile : public FailingCalls {
+ public:
+  DiskForAWhile() {
+    failAt = 3;  // the write, when the temporary file is there; its removal fails too
+    failing = Failing::EverythingForEver;
+  }
+  void mend() {
+    failAt = 0;
+    failedCall.clear();
+  }
+};
+
+TEST(PosixFilesFaults, ATemporaryFileThatCouldNotBeRemovedGoesWithTheNextWriteBesideIt) {
+  const QTemporaryDir folder;
+  DiskForAWhile disk;
+  PosixFiles files(disk);
+  EXPECT_FALSE(files.replaceWholeUnflushed(folder.filePath("list"), "lost"));
+  ASSERT_EQ(namesIn(folder.path()).size(), 1);
+  disk.mend();
+  EXPECT_TRUE(files.replaceWholeUnflushed(folder.filePath("list"), "new"));
+  EXPECT_EQ(namesIn(folder.path()), QStringList{"list"});
+}
+
+TEST(PosixFilesFaults, ATemporaryFileElsewhereIsLeftAlone) {
+  const QTemporaryDir folder;
+  QDir(folder.path()).mkdir("a");
+  QDir(folder.path()).mkdir("b");
+  DiskForAWhile disk;
+  PosixFiles files(disk);
+  EXPECT_FALSE(files.replaceWholeUnflushed(folder.filePath("a/list"), "lost"));
+  disk.mend();
+  EXPECT_TRUE(files.replaceWholeUnflushed(folder.filePath("b/list"), "new"));
+  EXPECT_EQ(namesIn(folder.filePath("a")).size(), 1);
+  EXPECT_TRUE(files.replaceWholeUnflushed(folder.filePath("a/list"), "new"));
+  EXPECT_EQ(namesIn(folder.filePath("a")), QStringList{"list"});
+}
+
+TEST(PosixFilesFaults, ATemporaryFileThatStaysStuckIsTriedAgain) {
+  const QTemporaryDir folder;
+  DiskForAWhile disk;
+  PosixFiles files(disk);
+  EXPECT_FALSE(files.replaceWholeUnflushed(folder.filePath("list"), "lost"));
+  disk.mend();
+  // The file that is written is there; nothing is removed but what was left.
+  disk.before = [&](const std::string& call) {
+    if (call == "unlink") disk.failAt = disk.calls;
+  };
+  EXPECT_TRUE(files.replaceWholeUnflushed(folder.filePath("list"), "new"));
+  ASSERT_EQ(namesIn(folder.path()).size(), 2);
+  disk.before = {};
+  disk.mend();
+  EXPECT_TRUE(files.replaceWholeUnflushed(folder.filePath("list"), "newer"));
+  EXPECT_EQ(namesIn(folder.path()), QStringList{"list"});
+}
+
 // ---- A source that changes, a lying disk, a rival
 
 TEST(PosixFilesFaults, ASourceCutShortDuringTheCopyIsAFailedCopy) {
