@@ -20,6 +20,7 @@
 #include "demo/Demo.h"
 #include "ui/Appearance.h"
 #include "ui/Dialogs.h"
+#include "ui/FontsAhead.h"
 #include "ui/MainWindow.h"
 
 using namespace ambrel;
@@ -78,8 +79,14 @@ int runApplication(QApplication& application, const Bundle& bundle, SystemClock&
   QObject::connect(&application, &QApplication::aboutToQuit, &delegate,
                    &AmbrelAppDelegate::applicationWillTerminate);
   application.setQuitOnLastWindowClosed(delegate.applicationShouldTerminateAfterLastWindowClosed());
-  delegate.applicationDidFinishLaunching(window);
-  launched(delegate, window);
+  // From the event loop: before it runs, the toolkit would paint the splash before anything else goes on.
+  QMetaObject::invokeMethod(
+      &window,
+      [&] {
+        delegate.applicationDidFinishLaunching(window);
+        launched(delegate, window);
+      },
+      Qt::QueuedConnection);
   const GapsOnRequest gaps;
   return QApplication::exec();
 }
@@ -136,6 +143,7 @@ int main(int argc, char** argv) {
     std::printf("Ambrel Photo Tether %s\n", bundle.displayVersion().toUtf8().constData());
     return 0;
   }
+  ui::findFontsAhead();
   QApplication application(argc, argv);
   const Bundle bundle = Bundle::aroundProgram(QCoreApplication::applicationDirPath());
   ui::applyApplicationAppearance(application);

@@ -279,7 +279,7 @@ void measureEdits(Goals& goals, Session& session, const std::vector<Row>& rows) 
   goals.atMost("one photo counted, saved and refiltered", counted, 5);
   goals.atMost("  p99: one frame", percentile(counted, 99), 16);
   goals.mention("duplicate names, after a name has changed",
-                processorMillisecondsOf([&] { (void)list.grid().duplicateNameSet(); }));
+                processorMillisecondsOf([&] { (void)duplicateNamesAmong(list.grid().rows()); }));
   list.cycleSortMode();
   list.cycleSortMode();
   list.cycleCaptureFilter();

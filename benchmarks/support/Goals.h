@@ -20,17 +20,20 @@ double millisecondsOf(Work&& work) {
   return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
-// The same in processor time of this thread: what other programs take does not count, nor does waiting.
+// Processor time that this thread has taken so far, in milliseconds.
+inline double processorMillisecondsOfThread() {
+  timespec time = {};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+}
+
+// The same as millisecondsOf, in processor time of this thread: what other programs take does not count, nor
+// does waiting.
 template <typename Work>
 double processorMillisecondsOf(Work&& work) {
-  const auto now = [] {
-    timespec time = {};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
-  };
-  const double start = now();
+  const double start = processorMillisecondsOfThread();
   work();
-  return now() - start;
+  return processorMillisecondsOfThread() - start;
 }
 
 inline double median(std::vector<double> values) {

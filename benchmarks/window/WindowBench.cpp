@@ -2,40 +2,24 @@
 // How soon the window is there, how fast the list follows the keys, and how long a photo takes to be seen.
 #include <QApplication>
 #include <QKeyEvent>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
 
-#include "core/app/AmbrelAppDelegate.h"
-#include "core/base/PosixFiles.h"
-#include "core/base/SystemClock.h"
-#include "core/worker/ProcessLink.h"
 #include "support/EventLoop.h"
 #include "ui/Appearance.h"
-#include "ui/Dialogs.h"
-#include "ui/MainWindow.h"
+#include "window/Application.h"
 #include "window/PreviewBench.h"
+#include "window/ScreenServer.h"
+#include "window/StartBench.h"
+#include "window/UseBench.h"
 
 namespace ambrel::bench {
 namespace {
 
-constexpr int kRows = 100'000;
-constexpr int kStarts = 15;
+constexpr int kRows = kNamesInWindow;
 constexpr int kSteps = 600;
 constexpr int kBurst = 300;
-
-// The application's clock with the splash already past.
-class ClockAfterSplash : public SystemClock {
- public:
-  TimerId callAfter(std::chrono::milliseconds delay, const QObject* context,
-                    std::function<void()> action) override {
-    return SystemClock::callAfter(
-        delay == AmbrelAppDelegate::kSplashTime ? std::chrono::milliseconds(0) : delay, context,
-        std::move(action));
-  }
-};
 
 // Hears when a widget has been painted.
 class PaintWatch : public QObject {
@@ -55,110 +39,6 @@ class PaintWatch : public QObject {
   }
 };
 
-struct Application {
-  explicit Application(const QString& home)
-      : locations(Locations::below(home)),
-        delegate(clock, dialogs, files, link, {locations, Bundle(home), [](qint64) {}}),
-        window(delegate) {
-    delegate.applicationDidFinishLaunching(window);
-  }
-  ~Application() { delegate.applicationWillTerminate(); }
-
-  Locations locations;
-  ClockAfterSplash clock;
-  PosixFiles files;
-  ProcessLink link;
-  ui::Dialogs dialogs;
-  AmbrelAppDelegate delegate;
-  ui::MainWindow window;
-};
-
-std::vector<Row> people() {
-  std::vector<Row> rows;
-  for (int i = 0; i < kRows; ++i)
-    rows.push_back({"Person Number " + std::to_string(i), i % 3 == 0 ? "front row, left" : "",
-                    std::to_string(i % 4), i % 40 == 0 ? "1" : ""});
-  return rows;
-}
-
-void storePeople(const QString& home) {
-  PosixFiles files;
-  const Locations locations = Locations::below(home);
-  NameGrid grid;
-  grid.replaceAll(people());
-  ListStore store(files, locations);
-  require(store.save(grid), "no list");
-}
-
-// ---- Programs of their own, started and timed by this one
-
-// Hears the first painting of the list, or of the pane that it lies in while it is empty.
-class FirstPaintOfList : public QObject {
- public:
-  FirstPaintOfList(QApplication& application, const ui::MainWindow& window, int rows)
-      : _window(window), _rows(rows) {
-    application.installEventFilter(this);
-  }
-  bool painted = false;
-
- protected:
-  bool eventFilter(QObject* watched, QEvent* event) override {
-    if (event->type() != QEvent::Paint || !_window.isBuilt()) return false;
-    const QWidget* list = _rows > 0 ? _window.leftPane()->table()->viewport() : _window.leftPane();
-    painted |= watched == list;
-    return false;
-  }
-
- private:
-  const ui::MainWindow& _window;
-  int _rows;
-};
-
-int showWindow(QApplication& application, const QString& home, int rows) {
-  ui::applyApplicationAppearance(application);
-  Application app(home);
-  const FirstPaintOfList list(application, app.window, rows);
-  while (!list.painted)
-    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-  std::puts("painted");
-  std::fflush(stdout);
-  require(app.delegate.list().grid().rowCount() == rows, "the list is not there");
-  return 0;
-}
-
-double timeOfStart(const QString& path, const QStringList& arguments) {
-  QProcess program;
-  double taken = 0;
-  taken = millisecondsOf([&] {
-    program.start(path, arguments);
-    require(program.waitForReadyRead(20000), "nothing was painted");
-  });
-  require(program.readAllStandardOutput().startsWith("painted"), "nothing was painted");
-  program.waitForFinished();
-  require(program.exitCode() == 0, "the program failed");
-  return taken;
-}
-
-void measureStarts(Goals& goals, const QString& folder) {
-  const QString empty = folder + QStringLiteral("/empty");
-  const QString full = folder + QStringLiteral("/full");
-  storePeople(full);
-  const QString ours = QCoreApplication::applicationFilePath();
-  std::vector<double> minimal;
-  std::vector<double> withText;
-  std::vector<double> window;
-  std::vector<double> withNames;
-  for (int round = 0; round < kStarts; ++round) {
-    minimal.push_back(timeOfStart(QStringLiteral(AMBREL_MINIMAL_WIDGET), {}));
-    withText.push_back(timeOfStart(QStringLiteral(AMBREL_MINIMAL_WIDGET), {QStringLiteral("Text")}));
-    window.push_back(timeOfStart(ours, {QStringLiteral("--window"), empty, QStringLiteral("0")}));
-    withNames.push_back(timeOfStart(ours, {QStringLiteral("--window"), full, QString::number(kRows)}));
-  }
-  goals.atMostTimes("start to painted window", median(window), "minimal widget", median(minimal), 1.7);
-  goals.mention("  minimal widget with a line of text", median(withText));
-  goals.atMostTimes("  with 100,000 names", median(withNames), "minimal widget", median(minimal), 2.5);
-}
-
 // ---- Keys in the window
 
 void press(QWidget& widget, int key, const QString& text = {}) {
@@ -168,11 +48,7 @@ void press(QWidget& widget, int key, const QString& text = {}) {
   QApplication::sendEvent(&widget, &up);
 }
 
-void measureKeys(Goals& goals, const QString& folder) {
-  Application app(folder + QStringLiteral("/full"));
-  while (!app.window.isBuilt())
-    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-  require(app.delegate.list().grid().rowCount() == kRows, "the list is not there");
+void measureKeys(Goals& goals, Application& app) {
   ui::NameTable& table = *app.window.leftPane()->table();
   app.window.repaint();
   PaintWatch watch(*table.viewport());
@@ -189,10 +65,15 @@ void measureKeys(Goals& goals, const QString& folder) {
     whole += step;
   goals.atMost("row stepped to and painted", whole / kSteps, 1000.0 / 60);
   goals.mention("  rows a second", kSteps * 1000 / whole, "");
+}
 
+// Words typed letter by letter, the list painted after each.
+void measureTyping(Goals& goals, Application& app) {
+  PaintWatch watch(*app.window.leftPane()->table()->viewport());
   std::vector<double> letters;
   QLineEdit& field = *app.window.leftPane()->searchField();
-  for (int round = 0; round < 10; ++round) {
+  const Heartbeat heartbeat;
+  for (int round = 0; round < 30; ++round) {
     for (const char letter : {'n', 'u', 'm', 'b', 'e', 'r', ' ', '1', '2', '3'}) {
       letters.push_back(millisecondsOf([&] {
         press(field, 0, QString(QLatin1Char(letter)));
@@ -203,9 +84,19 @@ void measureKeys(Goals& goals, const QString& folder) {
     app.delegate.list().clearSearch();
     watch.waitForPaint();
   }
-  std::sort(letters.begin(), letters.end());
-  goals.atMost("letter typed in the search, painted, p99", letters[letters.size() * 99 / 100], 8);
+  goals.atMost("letter typed in the search, painted, p99", percentile(letters, 99), 8);
   goals.mention("  median", median(letters));
+  goals.atMost("longest gap while typing, 100,000 names", static_cast<double>(heartbeat.longestGap().count()),
+               16);
+}
+
+void measureList(Goals& goals, const QString& home) {
+  ClockAfterSplash clock;
+  Application app(home, clock);
+  require(runEventsUntil([&] { return app.window.isBuilt(); }), "no window");
+  require(app.delegate.list().grid().rowCount() == kRows, "the list is not there");
+  measureKeys(goals, app);
+  measureTyping(goals, app);
 }
 
 // Photos as fast as they can be filed, with the window, the preview and the backup at work on them.
@@ -225,7 +116,8 @@ void measureBurst(Goals& goals, const QString& home) {
     downloads.push_back(root.filePath(QStringLiteral("Downloads/IMG_%1.JPG").arg(i)));
     std::filesystem::create_hard_link(photo.toStdString(), downloads.back().toStdString());
   }
-  Application app(home);
+  ClockAfterSplash clock;
+  Application app(home, clock);
   require(runEventsUntil([&] { return app.window.isBuilt() && app.delegate.backup().isEnabled(); }),
           "no window");
   const auto photosIn = [&](const char* name) {
@@ -246,16 +138,30 @@ void measureBurst(Goals& goals, const QString& home) {
   require(app.delegate.list().grid().capturedForModelRow(0) == kBurst, "photos were not counted");
   goals.atMost("longest gap, 300 photos with preview and backup",
                static_cast<double>(heartbeat.longestGap().count()), 16);
+
+  // The backup alone, of photos that are in their places.
+  require(QDir(root.filePath(QStringLiteral("Copies/Person Number 0"))).removeRecursively(), "no copies");
+  const Heartbeat duringBackup;
+  for (const QFileInfo& filed :
+       QDir(root.filePath(QStringLiteral("Photos/Person Number 0"))).entryInfoList(QDir::Files))
+    app.delegate.backup().backupSavedFile(filed.absoluteFilePath());
+  require(runEventsUntil([&] { return app.delegate.backup().state().queued == 0; }, std::chrono::minutes(3)),
+          "the backup did not end");
+  require(photosIn("Copies") == kBurst, "copies are missing");
+  goals.atMost("longest gap, 300 photos backed up", static_cast<double>(duringBackup.longestGap().count()),
+               16);
 }
 
-int run(QApplication& application) {
+int run() {
   const QTemporaryDir folder(QStringLiteral("bench-window-XXXXXX"));
   Goals goals;
-  measureStarts(goals, QDir(folder.path()).absolutePath());
-  ui::applyApplicationAppearance(application);
-  measureKeys(goals, QDir(folder.path()).absolutePath());
+  const QString absolute = QDir(folder.path()).absolutePath();
+  measureStarts(goals, absolute);
+  ui::applyApplicationAppearance(*qApp);
+  measureList(goals, absolute + QStringLiteral("/full"));
   measurePreview(goals, folder.path());
-  measureBurst(goals, QDir(folder.path()).absoluteFilePath(QStringLiteral("burst")));
+  measureBurst(goals, absolute + QStringLiteral("/burst"));
+  measureUse(goals, absolute);
   return goals.exitCode();
 }
 
@@ -263,12 +169,8 @@ int run(QApplication& application) {
 }  // namespace ambrel::bench
 
 int main(int argc, char** argv) {
-  // Where there is no display, everything is painted into memory, the peers as well.
-  if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-  QApplication application(argc, argv);
-  const QStringList arguments = QCoreApplication::arguments();
-  if (arguments.value(1) == QLatin1String("--window"))
-    return ambrel::bench::showWindow(application, arguments.value(2), arguments.value(3).toInt());
-  return ambrel::bench::run(application);
+  // Static, so that it ends as well where the benchmark does not come to its end.
+  static const ambrel::bench::ScreenServer screen;
+  const QApplication application(argc, argv);
+  return ambrel::bench::run();
 }

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "ui/Appearance.h"
+#include "ui/TextLine.h"
 
 namespace ambrel::ui {
 namespace {
@@ -104,8 +105,7 @@ void AmbrelButton::paintEvent(QPaintEvent*) {
   }
   painter.setFont(font());
   painter.setPen(_textColor);
-  const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, width() - 4);
-  painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, shown);
+  paintTextLine(painter, rect().adjusted(2, 0, -2, 0), Qt::AlignCenter, text());
 }
 
 void AmbrelButton::enterEvent(QEnterEvent* event) {

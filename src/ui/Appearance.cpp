@@ -3,7 +3,8 @@
 
 #include <QApplication>
 #include <QFontDatabase>
-#include <QStyleFactory>
+
+#include "ui/AmbrelStyle.h"
 
 namespace ambrel::ui {
 namespace {
@@ -55,7 +56,7 @@ void applyApplicationAppearance(QApplication& application) {
   const QString sheet = applicationStyleSheet(palette);
   // A style taken on again would be worked out anew for every widget.
   if (application.styleSheet() == sheet) return;
-  QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+  QApplication::setStyle(new AmbrelStyle);
   QFont font;
   font.setFamilies(systemFontFamilies());
   font.setPixelSize(13);

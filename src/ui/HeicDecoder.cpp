@@ -2,12 +2,11 @@
 #include "ui/HeicDecoder.h"
 
 #include <QFile>
-#include <QLibrary>
 #include <libheif/heif.h>
 #include <memory>
 #include <optional>
-#include <type_traits>
 
+#include "ui/NamedLibrary.h"
 #include "ui/PhotoScaling.h"
 
 namespace ambrel::ui {
@@ -15,8 +14,8 @@ namespace {
 
 constexpr int kLibraryVersion = 1;  // of its binary interface
 
-// The functions used of libheif. It is loaded with the first photo that needs it: the codecs that it brings
-// with it take longer to be loaded than the window takes to be painted.
+// The functions used of libheif: the codecs that it brings with it take longer to be loaded than the window
+// takes to be painted.
 struct Heif {
   decltype(&heif_context_alloc) context_alloc = nullptr;
   decltype(&heif_context_free) context_free = nullptr;
@@ -34,26 +33,21 @@ struct Heif {
 
 // None where the library is missing or lacks one of them.
 std::optional<Heif> loadHeif() {
-  QLibrary library(QStringLiteral("heif"), kLibraryVersion);
+  NamedLibrary library(QStringLiteral("heif"), kLibraryVersion);
   Heif heif;
-  bool whole = true;
-  const auto find = [&](auto& function, const char* name) {
-    function = reinterpret_cast<std::remove_reference_t<decltype(function)>>(library.resolve(name));
-    whole = whole && function != nullptr;
-  };
-  find(heif.context_alloc, "heif_context_alloc");
-  find(heif.context_free, "heif_context_free");
-  find(heif.context_read_from_file, "heif_context_read_from_file");
-  find(heif.context_get_primary_image_handle, "heif_context_get_primary_image_handle");
-  find(heif.image_handle_release, "heif_image_handle_release");
-  find(heif.image_handle_get_width, "heif_image_handle_get_width");
-  find(heif.image_handle_get_height, "heif_image_handle_get_height");
-  find(heif.decode_image, "heif_decode_image");
-  find(heif.image_release, "heif_image_release");
-  find(heif.image_get_plane_readonly, "heif_image_get_plane_readonly");
-  find(heif.image_get_width, "heif_image_get_width");
-  find(heif.image_get_height, "heif_image_get_height");
-  return whole ? std::optional(heif) : std::nullopt;
+  library.find(heif.context_alloc, "heif_context_alloc");
+  library.find(heif.context_free, "heif_context_free");
+  library.find(heif.context_read_from_file, "heif_context_read_from_file");
+  library.find(heif.context_get_primary_image_handle, "heif_context_get_primary_image_handle");
+  library.find(heif.image_handle_release, "heif_image_handle_release");
+  library.find(heif.image_handle_get_width, "heif_image_handle_get_width");
+  library.find(heif.image_handle_get_height, "heif_image_handle_get_height");
+  library.find(heif.decode_image, "heif_decode_image");
+  library.find(heif.image_release, "heif_image_release");
+  library.find(heif.image_get_plane_readonly, "heif_image_get_plane_readonly");
+  library.find(heif.image_get_width, "heif_image_get_width");
+  library.find(heif.image_get_height, "heif_image_get_height");
+  return library.isWhole() ? std::optional(heif) : std::nullopt;
 }
 
 using Context = std::unique_ptr<heif_context, decltype(&heif_context_free)>;

@@ -9,6 +9,7 @@
 #include "core/app/KeyRules.h"
 #include "ui/Accessibility.h"
 #include "ui/Appearance.h"
+#include "ui/FontsAhead.h"
 #include "ui/PhotoDecoder.h"
 #include "ui/TextEdits.h"
 #include "ui/ThinSplitter.h"
@@ -76,6 +77,7 @@ void MainWindow::removeKeyMonitor() {
 
 void MainWindow::showSplash(const QString& displayVersion, const QStringList& markFiles) {
   _splash = std::make_unique<Splash>(displayVersion, firstImageThatLoads(markFiles));
+  connect(_splash.get(), &Splash::painted, this, [this] { shapeLettersAhead(devicePixelRatioF()); });
   _splash->showCentred();
 }
 

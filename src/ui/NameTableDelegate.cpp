@@ -4,35 +4,15 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QPixmapCache>
-#include <QTextLayout>
-#include <QTextOption>
 
 #include "ui/Appearance.h"
 #include "ui/NameTableModel.h"
+#include "ui/TextLine.h"
 
 namespace ambrel::ui {
 namespace {
 
 constexpr int kCellMargin = 8;
-
-// Shapes the line once, although it has to be measured before it is drawn.
-void paintLine(QPainter& painter, const QRect& place, Qt::Alignment alignment, const QString& line) {
-  QTextLayout layout(line, painter.font());
-  QTextOption option(alignment & Qt::AlignHorizontal_Mask);
-  option.setWrapMode(QTextOption::NoWrap);
-  option.setTextDirection(painter.layoutDirection());
-  layout.setTextOption(option);
-  layout.beginLayout();
-  QTextLine shaped = layout.createLine();
-  shaped.setLineWidth(place.width());
-  layout.endLayout();
-  if (shaped.naturalTextWidth() <= place.width()) {
-    layout.draw(&painter, QPointF(place.left(), place.top() + (place.height() - shaped.height()) / 2));
-  } else {
-    const QString shown = painter.fontMetrics().elidedText(line, Qt::ElideRight, place.width());
-    painter.drawText(place, static_cast<int>(alignment) | Qt::TextSingleLine, shown);
-  }
-}
 
 // The glyphs of the markers are pictures in the font, which would be decompressed for every row anew.
 void paintGlyphs(QPainter& painter, const QRect& place, const QString& glyphs) {
@@ -76,7 +56,8 @@ void NameTableDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opt
   if (glyphs) {
     paintGlyphs(*painter, place, text);
   } else {
-    paintLine(*painter, place, look.alignment, QString(text).replace(QLatin1Char('\n'), QLatin1Char(' ')));
+    paintTextLine(*painter, place, look.alignment,
+                  QString(text).replace(QLatin1Char('\n'), QLatin1Char(' ')));
   }
   painter->restore();
 }

@@ -84,16 +84,11 @@ NameCellLook NameTableModel::look(const QModelIndex& index, bool selected) const
 }
 
 bool NameTableModel::isDuplicate(qint64 modelRow) const {
-  if (_duplicateNames.isEmpty()) return false;
-  return _duplicateNames.contains(_list.grid().text(modelRow, Cell::Name).toLower());
+  const QSet<QString>& duplicates = _list.grid().duplicateNameSet();
+  return !duplicates.isEmpty() && duplicates.contains(_list.grid().text(modelRow, Cell::Name).toLower());
 }
 
 void NameTableModel::reload() {
-  // Comparing all names is the one costly thing here; most reloads leave them as they were.
-  if (_duplicatesOfRevision != _list.grid().namesRevision()) {
-    _duplicatesOfRevision = _list.grid().namesRevision();
-    _duplicateNames = _list.grid().duplicateNameSet();
-  }
   if (_shownRows == _list.filteredRows()) {
     if (!_shownRows.empty()) Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, kNameColumns - 1));
     return;

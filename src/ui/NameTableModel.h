@@ -39,8 +39,6 @@ class NameTableModel : public QAbstractTableModel {
 
   NameList& _list;
   std::vector<qint64> _shownRows;
-  QSet<QString> _duplicateNames;
-  quint64 _duplicatesOfRevision = 0;
   QString _nameColumnTitle;
 };
 

@@ -5,12 +5,37 @@
 #include <QFileInfo>
 #include <libraw/libraw.h>
 #include <memory>
+#include <optional>
 
 #include "ui/JpegDecoder.h"
+#include "ui/NamedLibrary.h"
 #include "ui/PhotoScaling.h"
 
 namespace ambrel::ui {
 namespace {
+
+// The functions used of LibRaw.
+struct RawLibrary {
+  decltype(&libraw_init) init = nullptr;
+  decltype(&libraw_close) close = nullptr;
+  decltype(&libraw_open_file) open_file = nullptr;
+  decltype(&libraw_unpack_thumb) unpack_thumb = nullptr;
+  decltype(&libraw_strerror) strerror = nullptr;
+};
+
+// None where the library is missing or lacks one of them.
+std::optional<RawLibrary> loadRawLibrary() {
+  NamedLibrary library(QStringLiteral("raw_r"), LIBRAW_SHLIB_CURRENT);
+  RawLibrary raw;
+  library.find(raw.init, "libraw_init");
+  library.find(raw.close, "libraw_close");
+  library.find(raw.open_file, "libraw_open_file");
+  library.find(raw.unpack_thumb, "libraw_unpack_thumb");
+  library.find(raw.strerror, "libraw_strerror");
+  return library.isWhole() ? std::optional(raw) : std::nullopt;
+}
+
+using RawFile = std::unique_ptr<libraw_data_t, decltype(&libraw_close)>;
 
 // How the library says that the camera was held.
 QImageIOHandler::Transformations transformationOf(int flip) {
@@ -27,14 +52,14 @@ QImageIOHandler::Transformations transformationOf(int flip) {
 }
 
 // The library reads beyond the end of a cut file and leaves the rest of the preview to chance.
-bool holdsWholePreview(LibRaw& raw, const QString& path) {
-  const qint64 start = raw.get_internal_data_pointer()->internal_data.toffset;
-  return start + qint64{raw.imgdata.thumbnail.tlength} <= QFileInfo(path).size();
+bool holdsWholePreview(const libraw_data_t& raw, const QString& path) {
+  auto* reader = static_cast<LibRaw*>(raw.parent_class);
+  const qint64 start = reader->get_internal_data_pointer()->internal_data.toffset;
+  return start + qint64{raw.thumbnail.tlength} <= QFileInfo(path).size();
 }
 
-Failure failureOf(int error) {
-  return {QStringLiteral("The raw file has no preview that can be shown: ") +
-          QString::fromUtf8(libraw_strerror(error))};
+Failure failureOf(const char* reason) {
+  return {QStringLiteral("The raw file has no preview that can be shown: ") + QString::fromUtf8(reason)};
 }
 
 Result<QImage> bitmapPreview(const libraw_thumbnail_t& preview, QSize fit) {
@@ -51,14 +76,17 @@ Result<QImage> bitmapPreview(const libraw_thumbnail_t& preview, QSize fit) {
 }  // namespace
 
 Result<QImage> decodeRawPreview(const QString& path, QSize fit) {
-  const auto raw = std::make_unique<LibRaw>();  // far too large for the stack
-  int error = raw->open_file(QFile::encodeName(path).constData());
+  const std::optional<RawLibrary> library = loadRawLibrary();
+  if (!library) return Failure{QStringLiteral("Raw files cannot be shown: LibRaw is not installed.")};
+  const RawFile raw(library->init(LIBRAW_OPTIONS_NONE), library->close);
+  if (!raw) return failureOf("Out of memory");
+  int error = library->open_file(raw.get(), QFile::encodeName(path).constData());
   if (error == LIBRAW_SUCCESS && !holdsWholePreview(*raw, path)) error = LIBRAW_IO_ERROR;
-  if (error == LIBRAW_SUCCESS) error = raw->unpack_thumb();
-  if (error != LIBRAW_SUCCESS) return failureOf(error);
+  if (error == LIBRAW_SUCCESS) error = library->unpack_thumb(raw.get());
+  if (error != LIBRAW_SUCCESS) return failureOf(library->strerror(error));
 
-  const libraw_thumbnail_t& preview = raw->imgdata.thumbnail;
-  const QImageIOHandler::Transformations held = transformationOf(raw->imgdata.sizes.flip);
+  const libraw_thumbnail_t& preview = raw->thumbnail;
+  const QImageIOHandler::Transformations held = transformationOf(raw->sizes.flip);
   const QSize fitLying = liesOnItsSide(held) ? fit.transposed() : fit;
   const bool isJpeg = preview.tformat == LIBRAW_THUMBNAIL_JPEG;
   const Result<QImage> lying =

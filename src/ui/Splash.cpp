@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ui/Splash.h"
 
+#include <QFileInfo>
 #include <QGuiApplication>
+#include <QImageReader>
 #include <QPainter>
 #include <QScreen>
+#include <utility>
 
 #include "ui/Appearance.h"
 #include "ui/WindowLayout.h"
@@ -33,8 +36,11 @@ SplashPlaces splashPlaces(bool withMark) {
 
 QImage firstImageThatLoads(const QStringList& files) {
   for (const QString& file : files) {
-    QImage image(file);
-    if (!image.isNull()) return image;
+    // Told of no format, the toolkit would ask every picture plug-in that there is.
+    QImageReader reader(file, QFileInfo(file).suffix().toLatin1());
+    reader.setAutoDetectImageFormat(false);
+    QImage image;
+    if (reader.read(&image)) return image;
   }
   return {};
 }
@@ -58,6 +64,8 @@ void Splash::showCentred() {
 }
 
 void Splash::paintEvent(QPaintEvent*) {
+  if (!std::exchange(_paintedBefore, true))
+    QMetaObject::invokeMethod(this, &Splash::painted, Qt::QueuedConnection);
   QPainter painter(this);
   painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
   painter.setPen(Qt::NoPen);

@@ -16,12 +16,16 @@ class Splash : public QWidget {
   // Centred on the screen, above normal windows.
   void showCentred();
 
+ Q_SIGNALS:
+  void painted();  // for the first time; from here on nothing happens before the splash is closed
+
  protected:
   void paintEvent(QPaintEvent* event) override;
 
  private:
   QString _displayVersion;
   QImage _mark;
+  bool _paintedBefore = false;
 };
 
 struct SplashPlaces {

@@ -2,6 +2,7 @@
 #include "ui/TextLabel.h"
 
 #include "ui/Appearance.h"
+#include "ui/TextLine.h"
 
 namespace ambrel::ui {
 
@@ -37,8 +38,7 @@ void TextLabel::paintEvent(QPaintEvent*) {
   QString line = text();
   for (QChar& letter : line)
     if (letter.isSpace()) letter = QLatin1Char(' ');
-  const QString shown = fontMetrics().elidedText(line, _elideMode, width());
-  painter.drawText(rect(), static_cast<int>(alignment()) | Qt::TextSingleLine, shown);
+  paintTextLine(painter, rect(), alignment(), line, _elideMode);
 }
 
 }  // namespace ambrel::ui

@@ -12,6 +12,8 @@
 #include <cstdio>
 
 #include "core/base/PosixFiles.h"
+#include "core/base/Text.h"
+#include "core/capture/FileNames.h"
 #include "support/TestClock.h"
 #include "support/TestLink.h"
 #include "ui/Appearance.h"
@@ -67,6 +69,8 @@ Locations prepareHome(const QString& path) {
 class Stage {
  public:
   explicit Stage(const QString& folder) : _folder(folder) {
+    // Its name, another each time, is not shown for that of the operator's own folder.
+    qputenv("HOME", _home.path().toLocal8Bit());
     _dialogs.setParentWindow(&window);
     delegate.applicationDidFinishLaunching(window);
     _clock.advance(AmbrelAppDelegate::kSplashTime);
@@ -81,11 +85,12 @@ class Stage {
   }
   void chooseFolder() {
     const QString folder = _home.filePath(QStringLiteral("Summer school"));
-    QDir().mkpath(folder);
+    putPhotos(folder);
     delegate.selectFolder();
     auto* chooser = qobject_cast<QFileDialog*>(dialog());
     chooser->setDirectory(folder);
     static_cast<QDialog*>(chooser)->done(QDialog::Accepted);
+    settle();
     refresh();
   }
   void connectCamera() {
@@ -108,13 +113,16 @@ class Stage {
     delegate.updateControls();
     delegate.statusLine().refreshReadyStatusIfIdle();
   }
-  QWidget* dialog() { return _dialogs.openDialog(); }
+  QWidget* dialog() {
+    settle();
+    return _dialogs.openDialog();
+  }
   Dialogs& dialogs() { return _dialogs; }
 
   // The widget as it looks now, beside the pictures before; `over` lies on it where it lies on the screen.
   void shoot(const QString& name, QWidget* widget = nullptr, QWidget* over = nullptr) {
     QWidget& subject = widget ? *widget : window;
-    QCoreApplication::processEvents();
+    settle();
     for (const int scale : {1, 2}) {
       QImage picture(subject.size() * scale, QImage::Format_ARGB32_Premultiplied);
       picture.setDevicePixelRatio(scale);
@@ -127,6 +135,25 @@ class Stage {
   }
 
  private:
+  // As many photos on the disk as the list counts, which it is about to find out again.
+  void putPhotos(const QString& folder) {
+    if (!QDir().mkpath(folder)) qFatal("cannot make %s", qPrintable(folder));
+    const NameGrid& grid = delegate.list().grid();
+    for (qint64 row = 0; row < grid.rowCount(); ++row) {
+      const QString name = std_to_ns(sanitize_filename(grid.bytes(row, Cell::Name)));
+      for (qint64 photo = 1; photo <= grid.capturedForModelRow(row); ++photo) {
+        QDir(folder).mkpath(name);
+        QFile file(QStringLiteral("%1/%2/%2_%3.JPG").arg(folder, name).arg(photo, 4, 10, QLatin1Char('0')));
+        if (!file.open(QIODevice::WriteOnly)) qFatal("cannot write %s", qPrintable(file.fileName()));
+      }
+    }
+  }
+  // What other threads were asked for has come, and what followed from it.
+  void settle() {
+    if (!delegate.photoFiler().finishQueued(std::chrono::seconds(20))) qFatal("the folders are not read");
+    QCoreApplication::processEvents();
+  }
+
   QString _folder;
   QTemporaryDir _home;
   Locations _locations = prepareHome(_home.path());

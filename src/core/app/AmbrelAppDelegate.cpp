@@ -181,6 +181,7 @@ void AmbrelAppDelegate::applicationDidFinishLaunching(Screen& screen) {
     return;
   }
   _screen = &screen;
+  _list.loadGridAhead();
   _tags.loadSuffixes();
   screen.installMainMenu(_displayVersion);
   screen.installAppIconIfAvailable(resourcesNamedAny(

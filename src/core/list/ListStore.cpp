@@ -29,6 +29,7 @@ bool ListStore::exists() const {
 }
 
 bool ListStore::save(const NameGrid& grid) {
+  _readAhead.forget();
   if (_unread && !keepUnreadFileAside()) return false;
   _text.update(grid);
   const Result<void> written = _files.replaceWholeUnflushed(gridStorePath(), _text.bytes());

@@ -21,6 +21,38 @@ constexpr std::size_t kMostChangesTold = 16;
 
 }  // namespace
 
+QSet<QString> duplicateNamesAmong(const std::vector<Row>& rows) {
+  QByteArray names;
+  std::vector<qsizetype> ends{0};
+  ends.reserve(rows.size() + 1);
+  for (const Row& row : rows) {
+    if (!row.empty()) append_lower_cased(names, row.front());
+    ends.push_back(names.size());
+  }
+  const auto nameAt = [&](std::size_t row) {
+    return std::string_view(names.constData() + ends[row],
+                            static_cast<std::size_t>(ends[row + 1] - ends[row]));
+  };
+  // Row plus one by name, 0 where there is none, in a flat table: a node for each of many thousand names
+  // would cost more than all else here.
+  std::vector<std::uint32_t> firstWithName(std::bit_ceil(2 * rows.size() + 1));
+  const std::size_t mask = firstWithName.size() - 1;
+  QSet<QString> duplicates;
+  for (std::size_t row = 0; row < rows.size(); ++row) {
+    const std::string_view name = nameAt(row);
+    if (name.empty()) continue;
+    std::size_t slot = std::hash<std::string_view>()(name) & mask;
+    while (firstWithName[slot] != 0 && nameAt(firstWithName[slot] - 1) != name)
+      slot = (slot + 1) & mask;
+    if (firstWithName[slot] != 0) {
+      duplicates.insert(std_to_ns(name));
+    } else {
+      firstWithName[slot] = static_cast<std::uint32_t>(row + 1);
+    }
+  }
+  return duplicates;
+}
+
 const std::string& NameGrid::bytes(std::int64_t modelRow, Cell cell) const {
   if (!contains(modelRow)) return kMissing;
   const Row& row = _rows[static_cast<std::size_t>(modelRow)];
@@ -60,36 +92,12 @@ void NameGrid::setMarker(bool marked, std::int64_t modelRow) {
   setBytes(modelRow, Cell::Marker, marked ? "1" : "");
 }
 
-QSet<QString> NameGrid::duplicateNameSet() const {
-  QByteArray names;
-  std::vector<qsizetype> ends{0};
-  ends.reserve(_rows.size() + 1);
-  for (const Row& row : _rows) {
-    if (!row.empty()) append_lower_cased(names, row.front());
-    ends.push_back(names.size());
+const QSet<QString>& NameGrid::duplicateNameSet() const {
+  if (_duplicatesOfRevision != _namesRevision) {
+    _duplicates = duplicateNamesAmong(_rows);
+    _duplicatesOfRevision = _namesRevision;
   }
-  const auto nameAt = [&](std::size_t row) {
-    return std::string_view(names.constData() + ends[row],
-                            static_cast<std::size_t>(ends[row + 1] - ends[row]));
-  };
-  // Row plus one by name, 0 where there is none, in a flat table: a node for each of many thousand names
-  // would cost more than all else here.
-  std::vector<std::uint32_t> firstWithName(std::bit_ceil(2 * _rows.size() + 1));
-  const std::size_t mask = firstWithName.size() - 1;
-  QSet<QString> duplicates;
-  for (std::size_t row = 0; row < _rows.size(); ++row) {
-    const std::string_view name = nameAt(row);
-    if (name.empty()) continue;
-    std::size_t slot = std::hash<std::string_view>()(name) & mask;
-    while (firstWithName[slot] != 0 && nameAt(firstWithName[slot] - 1) != name)
-      slot = (slot + 1) & mask;
-    if (firstWithName[slot] != 0) {
-      duplicates.insert(std_to_ns(name));
-    } else {
-      firstWithName[slot] = static_cast<std::uint32_t>(row + 1);
-    }
-  }
-  return duplicates;
+  return _duplicates;
 }
 
 void NameGrid::append(Row row) {
@@ -111,6 +119,12 @@ void NameGrid::remove(std::int64_t modelRow) {
 void NameGrid::replaceAll(std::vector<Row> rows) {
   _rows = std::move(rows);
   rowsChanged();
+}
+
+void NameGrid::replaceAll(std::vector<Row> rows, QSet<QString> duplicates) {
+  replaceAll(std::move(rows));
+  _duplicates = std::move(duplicates);
+  _duplicatesOfRevision = _namesRevision;
 }
 
 void NameGrid::rowsChanged() {

@@ -13,6 +13,9 @@ namespace ambrel {
 // are UTF-8 and may be missing; readers give the default of a missing cell.
 using Row = std::vector<std::string>;
 
+// Lower-cased names (Unicode) that two or more rows share; empty names do not count.
+QSet<QString> duplicateNamesAmong(const std::vector<Row>& rows);
+
 enum class Cell : std::size_t { Name = 0, Note = 1, Captured = 2, Marker = 3 };
 
 // What became different in the grid since an earlier revision.
@@ -43,8 +46,8 @@ class NameGrid {
   bool markerForModelRow(std::int64_t modelRow) const;
   void setMarker(bool marked, std::int64_t modelRow);
 
-  // Lower-cased names (Unicode) that two or more rows share; empty names do not count.
-  QSet<QString> duplicateNameSet() const;
+  // duplicateNamesAmong the rows; found once for all names as they stand.
+  const QSet<QString>& duplicateNameSet() const;
   // Another number after every change of a name, and of which rows there are or their order; never 0.
   std::uint64_t namesRevision() const { return _namesRevision; }
   // Grows with every change; never 0. Who mirrors the grid elsewhere remembers the one that it has seen.
@@ -56,6 +59,8 @@ class NameGrid {
   void insert(std::int64_t position, Row row);  // position clamped to 0..rowCount
   void remove(std::int64_t modelRow);
   void replaceAll(std::vector<Row> rows);
+  // With what duplicateNamesAmong has found in the rows.
+  void replaceAll(std::vector<Row> rows, QSet<QString> duplicates);
   void clear() { replaceAll({}); }
 
  private:
@@ -65,6 +70,8 @@ class NameGrid {
   std::vector<std::int64_t> _changedRows;  // by the last changes, one each
   std::uint64_t _revision = 1;
   std::uint64_t _namesRevision = 1;
+  mutable QSet<QString> _duplicates;
+  mutable std::uint64_t _duplicatesOfRevision = 1;  // of the names; an empty grid has none
 };
 
 }  // namespace ambrel

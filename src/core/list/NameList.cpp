@@ -204,6 +204,10 @@ void NameList::saveGridIfUnsaved() {
 }
 
 bool NameList::loadGridFromDisk() {
+  if (std::optional<GridReadAhead::List> list = _store.takeReadAhead()) {
+    _grid.replaceAll(std::move(list->rows), std::move(list->duplicates));
+    return !_grid.isEmpty();
+  }
   std::optional<std::vector<Row>> rows = _store.load();
   if (!rows) return false;
   _grid.replaceAll(std::move(*rows));

@@ -86,6 +86,8 @@ class NameList : public QObject {
   bool saveGridToDisk();
   // Nothing where the last save went well.
   void saveGridIfUnsaved();
+  // Begins to read the list, so that loadGridFromDisk does not wait for the disk.
+  void loadGridAhead() { _store.loadAhead(); }
   // False when the store is missing or holds no row.
   bool loadGridFromDisk();
   // Replaces the list by the first column of a CSV file, empty when that cannot be read; the number of rows

@@ -2,6 +2,7 @@
 #include "core/update/ReleaseService.h"
 
 #include <QHostAddress>
+#include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <optional>
@@ -74,9 +75,9 @@ class Conversation : public QObject {
 
 }  // namespace
 
-ReleaseService::ReleaseService(Clock& clock, const QUrl& host) : _clock(clock), _host(host) {
-  _network.setRedirectPolicy(QNetworkRequest::UserVerifiedRedirectPolicy);
-}
+ReleaseService::ReleaseService(Clock& clock, const QUrl& host) : _clock(clock), _host(host) {}
+
+ReleaseService::~ReleaseService() = default;
 
 QUrl ReleaseService::configuredHost() {
   const QString built = QStringLiteral(AMBREL_RELEASE_API_HOST);
@@ -95,7 +96,11 @@ void ReleaseService::fetchLatest(std::function<void(const Result<Release>&)> ans
   QNetworkRequest request(address);
   request.setRawHeader("Accept", "application/vnd.github+json");
   request.setMaximumRedirectsAllowed(kMostRedirects);
-  auto* conversation = new Conversation(_network.get(request), std::move(answered));
+  if (!_network) {
+    _network = std::make_unique<QNetworkAccessManager>();
+    _network->setRedirectPolicy(QNetworkRequest::UserVerifiedRedirectPolicy);
+  }
+  auto* conversation = new Conversation(_network->get(request), std::move(answered));
   _clock.callAfter(kTimeLimit, conversation,
                    [conversation] { conversation->giveUp(QStringLiteral("The request timed out.")); });
 }

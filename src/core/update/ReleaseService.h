@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <QNetworkAccessManager>
 #include <QObject>
 #include <QUrl>
 #include <chrono>
 #include <functional>
+#include <memory>
 
 #include "core/base/Clock.h"
 #include "core/base/Result.h"
 #include "core/update/Release.h"
+
+class QNetworkAccessManager;
 
 namespace ambrel {
 
@@ -26,6 +28,7 @@ class ReleaseService : public QObject {
 
   // `host` is the service's API host, with scheme and perhaps a port; an empty one is never asked.
   ReleaseService(Clock& clock, const QUrl& host);
+  ~ReleaseService() override;
 
   // The API host of this installation: AMBREL_RELEASE_API from the environment, where it is set, else the one
   // that the program was built with.
@@ -38,7 +41,8 @@ class ReleaseService : public QObject {
  private:
   Clock& _clock;
   const QUrl _host;
-  QNetworkAccessManager _network;
+  // Absent until the service is asked: the window is shown sooner without it.
+  std::unique_ptr<QNetworkAccessManager> _network;
 };
 
 }  // namespace ambrel

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <QCoreApplication>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -44,6 +45,17 @@ TEST(Splash, FloatsAboveNormalWindowsAndDoesNotEndTheApplicationWhenClosed) {
   EXPECT_TRUE(splash.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
   EXPECT_TRUE(splash.windowFlags().testFlag(Qt::FramelessWindowHint));
   EXPECT_FALSE(splash.testAttribute(Qt::WA_QuitOnClose));
+}
+
+TEST(Splash, SaysOnceThatItHasBeenPainted) {
+  Splash splash(QStringLiteral("7.04"), {});
+  int painted = 0;
+  QObject::connect(&splash, &Splash::painted, &splash, [&painted] { ++painted; });
+  for (int time = 0; time < 2; ++time) {
+    (void)splash.grab();
+    QCoreApplication::processEvents();
+  }
+  EXPECT_EQ(painted, 1);
 }
 
 TEST(Splash, DrawsAWideMarkInProportion) {

@@ -97,6 +97,26 @@ TEST_F(ListStoreTest, KeepsALinkThatStandsInItsPlaceAndSavesToWhereItLeads) {
   EXPECT_EQ(readGrid(elsewhere), (Rows{{"Anna", "", "0", ""}}));
 }
 
+TEST_F(ListStoreTest, GivesTheListThatItHasReadAheadOnce) {
+  const Rows rows = {{"Anna", "front", "3", "1"}, {"ANNA", "", "0", ""}};
+  save(rows);
+  store.loadAhead();
+  const std::optional<GridReadAhead::List> read = store.takeReadAhead();
+  ASSERT_TRUE(read);
+  EXPECT_EQ(read->rows, rows);
+  EXPECT_EQ(read->duplicates, QSet<QString>{QStringLiteral("anna")});
+  EXPECT_FALSE(store.takeReadAhead());
+  EXPECT_EQ(store.load(), rows);
+}
+
+TEST_F(ListStoreTest, ForgetsTheListThatItHasReadAheadWhenItSavesAnother) {
+  save({{"Anna"}});
+  store.loadAhead();
+  save({{"Cara"}});
+  EXPECT_FALSE(store.takeReadAhead());
+  EXPECT_EQ(store.load(), (Rows{{"Cara", "", "0", ""}}));
+}
+
 // A superuser may write anywhere, so that the test becomes somebody else.
 TEST_F(ListStoreTest, KeepsTheListInAFolderThatMayNotBeWrittenAndSaysThatItFailed) {
   constexpr uid_t kNobody = 65534;

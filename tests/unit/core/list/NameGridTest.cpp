@@ -113,6 +113,23 @@ TEST(NameGrid, CountsANameOnceHoweverOftenItIsShared) {
   EXPECT_EQ(gridOf({{"a"}, {"A"}, {"a"}}).duplicateNameSet().size(), 1u);
 }
 
+TEST(NameGrid, FindsDuplicatesAnewAfterANameHasChanged) {
+  NameGrid grid = gridOf({{"Anna"}, {"anna"}, {"Ben"}});
+  EXPECT_EQ(grid.duplicateNameSet().size(), 1);
+  grid.setBytes(1, Cell::Name, "ben");
+  EXPECT_EQ(grid.duplicateNameSet(), QSet<QString>{QStringLiteral("ben")});
+  grid.remove(2);
+  EXPECT_TRUE(grid.duplicateNameSet().isEmpty());
+}
+
+TEST(NameGrid, TakesTheDuplicatesThatWereFoundInItsRows) {
+  NameGrid grid;
+  grid.replaceAll({{"Anna"}, {"anna"}}, {QStringLiteral("anna")});
+  EXPECT_EQ(grid.duplicateNameSet(), QSet<QString>{QStringLiteral("anna")});
+  grid.setBytes(0, Cell::Name, "Ben");
+  EXPECT_TRUE(grid.duplicateNameSet().isEmpty());
+}
+
 TEST(NameGrid, InsertsAtAPositionClampedToTheList) {
   NameGrid grid = gridOf({{"b"}});
   grid.insert(-7, {"a"});
