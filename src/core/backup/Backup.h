@@ -112,6 +112,7 @@ class Backup : public QObject {
   void goOn();
   void tellRest();
   void queueUncopied(const QStringList& photos);
+  void forgetAnnounced(const QStringList& announced);
 
   Clock& _clock;
   Operator& _operator;
@@ -136,6 +137,7 @@ class Backup : public QObject {
   bool _heldTooLong = false;
   bool _copyMoved = false;       // the photo of the copy under way
   QStringList _movedWithOthers;  // beside photos that waited; to be looked at when the backup has followed
+  QStringList _announced;        // paths that are pending until then
   std::vector<std::function<void()>> _whenAtRest;
   QString _copying;
   qint64 _backupDoneCount = 0;

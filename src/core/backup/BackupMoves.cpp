@@ -34,15 +34,18 @@ void Backup::photosWillMove() {
 void Backup::photosMoved(const std::vector<MovedPaths>& moves, const QStringList& announced) {
   const bool copyMoved = _backupBusy && pathAfter(moves, _copying) != _copying;
   _copyMoved = _copyMoved || copyMoved;
-  const bool waited = _backupQueue.follow(moves, announced) > 0 || copyMoved;
+  const bool waited = _backupQueue.follow(moves) > 0 || copyMoved;
   if (waited) {
     for (auto moved = moves.begin(); moved != moves.end(); ++moved) {
       const std::vector<MovedPaths> later(moved + 1, moves.end());
       for (const QString& file : moved->files)
         _movedWithOthers.append(pathAfter(later, file));
     }
+    _announced += announced;  // a launch after this moment looks at all of them
+    _backupQueue.saveBackupQueue();
+  } else {
+    forgetAnnounced(announced);
   }
-  if (waited || !announced.isEmpty()) _backupQueue.saveBackupQueue();
   Q_EMIT changed();
 }
 
@@ -51,13 +54,24 @@ void Backup::backupFollowed() {
   stopTimer(_holdTimer);
   goOn();
   const QStringList photos = std::exchange(_movedWithOthers, {});
-  if (photos.isEmpty() || !isSetUp()) return;
-  _jobs.start(
-      [this, photos, targetDir = _surroundings.targetDir(), dir = _backupDir]() -> BackgroundJobs::Reply {
-        return [this, dir, uncopied = withoutCopy(photos, targetDir, dir)] {
-          if (isSetUp() && _backupDir == dir) queueUncopied(uncopied);
-        };
-      });
+  const QStringList announced = std::exchange(_announced, {});
+  if (photos.isEmpty() || !isSetUp()) {
+    forgetAnnounced(announced);
+    return;
+  }
+  _jobs.start([this, photos, announced, targetDir = _surroundings.targetDir(),
+               dir = _backupDir]() -> BackgroundJobs::Reply {
+    return [this, announced, dir, uncopied = withoutCopy(photos, targetDir, dir)] {
+      if (isSetUp() && _backupDir == dir) queueUncopied(uncopied);
+      forgetAnnounced(announced);
+    };
+  });
+}
+
+void Backup::forgetAnnounced(const QStringList& announced) {
+  if (announced.isEmpty()) return;
+  _backupQueue.forgetPending(announced);
+  _backupQueue.saveBackupQueue();
 }
 
 void Backup::queueUncopied(const QStringList& photos) {

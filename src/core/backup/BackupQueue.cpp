@@ -166,7 +166,7 @@ void BackupQueue::clear() {
   _savedWith.clear();
 }
 
-qint64 BackupQueue::follow(const std::vector<MovedPaths>& moves, const QStringList& announced) {
+qint64 BackupQueue::follow(const std::vector<MovedPaths>& moves) {
   qint64 followed = 0;
   QSet<QString> followers;
   QHash<QString, quint64> savedWith;
@@ -189,11 +189,14 @@ qint64 BackupQueue::follow(const std::vector<MovedPaths>& moves, const QStringLi
   _savedWith = savedWith;
   for (QString& path : _finished)
     path = follow(path);
-  for (const QString& path : announced) {
-    if (!_savedWith.contains(path) && !followers.contains(path)) _gone.append(path);
-  }
   _arrived.append(followers.values());
   return followed;
+}
+
+void BackupQueue::forgetPending(const QStringList& paths) {
+  for (const QString& path : paths) {
+    if (!_savedWith.contains(path) && !_finished.contains(path)) _gone.append(path);
+  }
 }
 
 bool BackupQueue::firstMayGo() const {

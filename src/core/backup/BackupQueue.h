@@ -57,9 +57,10 @@ class BackupQueue : public QObject {
   // Their copies are in doubt: they wait again, before all others. Returns how many.
   qint64 putFinishedBack();
   void clear();
-  // Photos have other paths now; those that wait or are finished keep their places. The announced paths need
-  // not be pending any more, except for these. How many there were.
-  qint64 follow(const std::vector<MovedPaths>& moves, const QStringList& announced);
+  // Photos have other paths now; those that wait or are finished keep their places. How many there were.
+  qint64 follow(const std::vector<MovedPaths>& moves);
+  // Of these paths, only photos that wait or are finished need be pending.
+  void forgetPending(const QStringList& paths);
 
   qint64 size() const { return _paths.size(); }
   bool isEmpty() const { return _paths.isEmpty(); }

@@ -184,6 +184,28 @@ TEST_F(BackupMoves, LooksAfterPhotosWhoseCopiesGotOtherNumbersThanTheyHave) {
   EXPECT_EQ(copyOf("Bea/Bea_2.jpg"), "the first one");
 }
 
+TEST_F(BackupMoves, LooksAfterThemAtTheNextLaunchWhereTheApplicationDiesBefore) {
+  save("Ann/1.jpg", "the first one");
+  ASSERT_TRUE(untilEmpty());
+  pullDrive();
+  save("Ann/2.jpg", "the second");
+  ASSERT_TRUE(untilFailed());
+  const QStringList announced = {target + "/Bea/1.jpg", target + "/Bea/2.jpg"};
+  backup->pendingPhotos()->add(announced);
+  backup->photosWillMove();
+  backup->photosMoved(renameFolder("Ann", "Bea"), announced);
+  restart();
+  QStringList waiting = backup->queue().paths();
+  waiting.sort();
+  EXPECT_EQ(waiting, announced);
+  plugDrive();
+  clock.advance(Backup::kStartDelay);
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_EQ(copyOf("Bea/1.jpg"), "the first one");
+  restart();
+  EXPECT_EQ(backup->queue().size(), 0);
+}
+
 TEST_F(BackupMoves, LeavesPhotosAloneThatDidNotWait) {
   QDir().mkpath(target + "/Ann");
   write(target + "/Ann/1.jpg", "filed while backup was off");

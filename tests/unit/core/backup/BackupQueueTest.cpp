@@ -242,7 +242,7 @@ TEST_F(BackupQueueTest, FollowsItsPhotosToTheirNewPathsInTheSameOrder) {
   stored();
   ASSERT_TRUE(runEventsUntil([&] { return queue->firstMayGo(); }));
   queue->finish("/Ann/1");
-  EXPECT_EQ(queue->follow({{{{"/Ann", "/Bea"}}, {{"/Bea/2", "/Bea/two"}}}}, {}), 3);
+  EXPECT_EQ(queue->follow({{{{"/Ann", "/Bea"}}, {{"/Bea/2", "/Bea/two"}}}}), 3);
   EXPECT_EQ(queue->paths(), (QStringList{"/Bob/1", "/Bea/two", "/Bea/3"}));
   EXPECT_EQ(queue->next(5), QStringList());  // not in the file yet
   queue->saveBackupQueue();
@@ -255,7 +255,7 @@ TEST_F(BackupQueueTest, FollowsItsPhotosToTheirNewPathsInTheSameOrder) {
 TEST_F(BackupQueueTest, HoldsAPhotoOnceThatFollowsToAPathThatWaits) {
   appendAndSave("/Ann/1");
   appendAndSave("/Bea/1");
-  EXPECT_EQ(queue->follow({{{}, {{"/Ann/1", "/Bea/1"}}}}, {}), 1);
+  EXPECT_EQ(queue->follow({{{}, {{"/Ann/1", "/Bea/1"}}}}), 1);
   EXPECT_EQ(queue->paths(), QStringList{"/Bea/1"});
 }
 
@@ -360,7 +360,8 @@ TEST_F(PendingInQueueTest, KeepsAPhotoPendingUntilAWriteThatHoldsItsNewPathHasEn
   stored();
   queue->pending()->add(announced);
   files.callAfter(Operation::Replace, [&](const QString&, const QString&) { whileWriting = stillPending(); });
-  queue->follow({{{}, {{path, announced[0]}}}}, announced);
+  queue->follow({{{}, {{path, announced[0]}}}});
+  queue->forgetPending(announced);
   queue->saveBackupQueue();
   EXPECT_EQ(stored(), QStringList{announced[0]});
   EXPECT_EQ(whileWriting, QStringList{announced[0]});
