@@ -94,6 +94,7 @@ RenameDesk AmbrelAppDelegate::renameDesk() {
             const bool mirrored = _backup.isEnabled() && !_backup.backupDir().isEmpty();
             return mirrored ? _backup.backupDestForSource(folder) : QString();
           },
+      .unfinishedCopySuffix = CopyPlace::kTemporarySuffix,
   };
 }
 

@@ -28,6 +28,8 @@ struct RenameDesk {
   std::function<QString()> targetDir;
   // The backup's copy of a folder in the target folder; empty while backup is off.
   std::function<QString(const QString& folder)> backupDestForSource;
+  // Ends the name of a copy in the backup that is still being made; empty: nothing is known of such copies.
+  std::string unfinishedCopySuffix = {};
 };
 
 // Sets photos right that were filed under the wrong name: moves those of a person to another name, or renames
