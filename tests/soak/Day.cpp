@@ -3,6 +3,7 @@
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <algorithm>
 
 namespace ambrel::soak {
 namespace {
@@ -81,9 +82,16 @@ void Day::open() {
   _live.app->connectCameraManual();
   if (!waitUntil([this] { return isWatched(); }, kPatience))
     return wrong(QStringLiteral("The camera is never watched."));
-  (void)waitUntil([] { return false; }, seconds(1));
+  // Files that are open for a moment do not count.
+  const auto worker = static_cast<pid_t>(_live.link->processId());
   _descriptorsAtFirst = Meter::descriptors();
-  _workerDescriptorsAtFirst = Meter::descriptors(static_cast<pid_t>(_live.link->processId()));
+  _workerDescriptorsAtFirst = Meter::descriptors(worker);
+  const auto takeLess = [this, worker] {
+    _descriptorsAtFirst = std::min(_descriptorsAtFirst, Meter::descriptors());
+    _workerDescriptorsAtFirst = std::min(_workerDescriptorsAtFirst, Meter::descriptors(worker));
+    return false;
+  };
+  (void)waitUntil(takeLess, seconds(1));
 }
 
 bool Day::isOver() const {
@@ -251,9 +259,13 @@ void Day::converge() {
               .arg(_live.app->backup().queue().size()));
   }
   _convergence = now() - _shootingTime;
-  (void)waitUntil([] { return false; }, seconds(3));
-  _descriptorsAtLast = Meter::descriptors() - static_cast<int>(_restartsDone);
-  _workerDescriptorsAtLast = Meter::descriptors(static_cast<pid_t>(_live.link->processId()));
+  const auto asAtFirst = [this] {
+    // Each application that has quit has left its lock, which is held until the process ends.
+    _descriptorsAtLast = Meter::descriptors() - static_cast<int>(_restartsDone);
+    _workerDescriptorsAtLast = Meter::descriptors(static_cast<pid_t>(_live.link->processId()));
+    return _descriptorsAtLast == _descriptorsAtFirst && _workerDescriptorsAtLast == _workerDescriptorsAtFirst;
+  };
+  (void)waitUntil(asAtFirst, kPatience);
   watchEventLoop();
   _heartbeat.reset();
   _meter.stop();
