@@ -21,6 +21,7 @@ constexpr std::size_t kMostOnTheirWay = 15;
 // After the camera has come back photos count again.
 constexpr milliseconds kUntilCalm{3000};
 constexpr seconds kPatience{90};
+constexpr seconds kUntilSavedAgain{25};
 
 QStringList names() {
   static const char* const kFirst[] = {"Anna",    "José",     "Zoë",    "Mei 美",
@@ -113,7 +114,7 @@ void Day::tick() {
   watchTrouble();
   makeTrouble();
   shoot();
-  if (_nextRestart < _plan.restarts.size() && now() >= _plan.restarts[_nextRestart]) restart();
+  if (_nextRestart < _plan.restarts.size() && now() >= _plan.restarts[_nextRestart] && mayQuit()) restart();
   if (now() >= _nextProgress) showProgress();
 }
 
@@ -182,6 +183,8 @@ void Day::makeTrouble() {
     _faultRuns = false;
     _holdFire = false;
     note(QStringLiteral("over: ") + nameOf(fault.mishap));
+    if (_dataFaultRuns) _dataFaultEnded = now();
+    _dataFaultRuns = false;
     return _troublemaker.end(fault);
   }
   if (_nextFault == _plan.faults.size() || now() < _plan.faults[_nextFault].at) return;
@@ -195,6 +198,10 @@ void Day::makeTrouble() {
   ++_mishaps[static_cast<std::size_t>(fault.mishap)];
   note(nameOf(fault.mishap));
   if (Troublemaker::concernsCamera(fault.mishap)) troubleBegins();
+  if (Troublemaker::concernsData(fault.mishap)) {
+    _dataFaultRuns = true;
+    _savedSince = false;
+  }
   _troublemaker.begin(fault);
 }
 
@@ -215,6 +222,13 @@ void Day::watchTrouble() {
   } else if (now() - _calmSince > kUntilCalm) {
     _shutter.troubleEnds();
   }
+}
+
+// While the data folder fails nobody could remember what waits for its backup; once it works again, the next
+// photo or the next attempt saves that.
+bool Day::mayQuit() const {
+  const bool saved = _savedSince || now() - _dataFaultEnded > kUntilSavedAgain;
+  return !_dataFaultRuns && saved;
 }
 
 void Day::restart() {
@@ -284,7 +298,7 @@ void Day::takeStock() {
   _account->checkPhotos(_notFiled + _filingsCutShort);
   _account->checkWholeBackup();
   _diary.flush();
-  _account->checkPlaces();
+  _account->checkPlaces(_hands.moved());
   _wrong += _account->wrong();
 }
 

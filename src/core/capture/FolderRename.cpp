@@ -37,7 +37,8 @@ void removeUnfinishedCopies(Files& files, const std::string& folder, const std::
   for (const std::string& name : entriesOf(folder)) {
     const bool numbered =
         name.starts_with(prefix) && name.find_first_of("0123456789", prefix.size()) == prefix.size();
-    if (numbered && name.ends_with(suffix)) static_cast<void>(files.remove(path_to_ns(folder + '/' + name)));
+    if (numbered && name.ends_with(suffix))
+      static_cast<void>(files.remove(path_to_ns(folder) + QLatin1Char('/') + path_to_ns(name)));
   }
 }
 
