@@ -44,6 +44,11 @@ bool isAllowed(const std::string& path) {
          path.starts_with("/home/data/Ambrel Tether/backup_queue.plist.unread");
 }
 
+bool beginsLikeOneOf(const std::set<std::string>& names, const std::string& folder) {
+  return std::any_of(names.begin(), names.end(),
+                     [&](const std::string& name) { return folder.starts_with(name); });
+}
+
 void plantOne(const QString& folder, const std::string& path, const std::string& bytes,
               std::map<std::string, std::string>& planted) {
   const QString file = folder + QString::fromStdString(path);
@@ -162,9 +167,7 @@ void Account::checkBackup(const std::set<std::string>& moved) {
     if (!isInFolder(photo.path) || !_records.contains(photo.sha256)) continue;
     const auto copy = copies.find(photo.path);
     if (copy != copies.end() && copy->second == photo.sha256) continue;
-    const std::string folder = folderOf(photo.path);
-    const bool wasMoved = std::any_of(moved.begin(), moved.end(),
-                                      [&](const std::string& name) { return folder.starts_with(name); });
+    const bool wasMoved = beginsLikeOneOf(moved, folderOf(photo.path));
     if (wasMoved) {
       ++_totals.backupsAsked;
     } else {
@@ -188,11 +191,17 @@ void Account::checkWholeBackup() {
   }
 }
 
-void Account::checkPlaces() {
+void Account::checkPlaces(const std::set<std::string>& moved) {
   const std::string root = _places.root.toStdString();
+  const std::string copies = "/Copies";
   for (const auto& entry : fs::recursive_directory_iterator(root)) {
     const std::string path = entry.path().string().substr(root.size());
-    if (isTemporary(path)) complain(path + " is a temporary file that stayed.");
+    const bool isCopy = path.starts_with(copies + "/") && path.ends_with(".ambrel_tmp");
+    if (isCopy && beginsLikeOneOf(moved, folderOf(path.substr(copies.size())))) {
+      ++_totals.stuckCopies;
+    } else if (isTemporary(path)) {
+      complain(path + " is a temporary file that stayed.");
+    }
     if (!entry.is_directory() && !isAllowed(path)) complain(path + " lies where nothing is to be made.");
     if (path.starts_with("/home/tmp/ambrel-worker-")) complain(path + " was left behind by a worker.");
   }

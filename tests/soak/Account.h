@@ -53,8 +53,9 @@ class Account {
   void checkBackup(const std::set<std::string>& moved);
   // Once it was asked for: a copy of every photo below the target folder.
   void checkWholeBackup();
-  // No temporary file, no file outside of the folders that are for it.
-  void checkPlaces();
+  // No temporary file, no file outside of the folders that are for it. A copy that failed when its photo was
+  // `moved` may have left its beginning in the backup, if the drive failed to remove that as well.
+  void checkPlaces(const std::set<std::string>& moved);
 
   struct Totals {
     std::size_t taken = 0;
@@ -65,6 +66,7 @@ class Account {
     std::size_t onCardOnly = 0;
     std::size_t lostInCamera = 0;  // with the memory of the camera, in times of trouble
     std::size_t backedUp = 0;
+    std::size_t stuckCopies = 0;   // beginnings of copies of photos that moved
     std::size_t backupsAsked = 0;  // copies that only the operator's question brought
   };
   const Totals& totals() const { return _totals; }

@@ -39,7 +39,7 @@ class SoakAccount : public ::testing::Test {
     account.checkBackup({"Moved"});
     account.checkPhotos(filingsFailed);
     account.checkWholeBackup();
-    account.checkPlaces();
+    account.checkPlaces({"Moved"});
     totals = account.totals();
     return account.wrong();
   }
@@ -126,9 +126,12 @@ TEST_F(SoakAccount, WantsAnAlertForEveryPhotoThatWasNotFiled) {
 
 TEST_F(SoakAccount, SeesTemporaryFilesAndThoseInWrongPlaces) {
   write(places.copies + "/Anna/Anna_0003.JPG.ambrel_tmp", "half");
+  write(places.copies + "/Moved/Moved_0003.JPG.ambrel_tmp", "half");
   write(places.root + "/home/Pictures/Anna_0001.JPG", "astray");
   const QStringList found = wrong();
   EXPECT_TRUE(found.contains("/Copies/Anna/Anna_0003.JPG.ambrel_tmp is a temporary file that stayed."));
+  EXPECT_FALSE(found.contains("/Copies/Moved/Moved_0003.JPG.ambrel_tmp is a temporary file that stayed."));
+  EXPECT_EQ(totals.stuckCopies, 1u);
   EXPECT_TRUE(found.contains("/home/Pictures/Anna_0001.JPG lies where nothing is to be made."));
 }
 

@@ -3,6 +3,7 @@
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <algorithm>
 
 namespace ambrel::soak {
 namespace {
@@ -20,6 +21,7 @@ constexpr std::size_t kMostOnTheirWay = 15;
 // After the camera has come back photos count again.
 constexpr milliseconds kUntilCalm{3000};
 constexpr seconds kPatience{90};
+constexpr seconds kUntilSavedAgain{25};
 
 QStringList names() {
   static const char* const kFirst[] = {"Anna",    "José",     "Zoë",    "Mei 美",
@@ -81,9 +83,16 @@ void Day::open() {
   _live.app->connectCameraManual();
   if (!waitUntil([this] { return isWatched(); }, kPatience))
     return wrong(QStringLiteral("The camera is never watched."));
-  (void)waitUntil([] { return false; }, seconds(1));
+  // Files that are open for a moment do not count.
+  const auto worker = static_cast<pid_t>(_live.link->processId());
   _descriptorsAtFirst = Meter::descriptors();
-  _workerDescriptorsAtFirst = Meter::descriptors(static_cast<pid_t>(_live.link->processId()));
+  _workerDescriptorsAtFirst = Meter::descriptors(worker);
+  const auto takeLess = [this, worker] {
+    _descriptorsAtFirst = std::min(_descriptorsAtFirst, Meter::descriptors());
+    _workerDescriptorsAtFirst = std::min(_workerDescriptorsAtFirst, Meter::descriptors(worker));
+    return false;
+  };
+  (void)waitUntil(takeLess, seconds(1));
 }
 
 bool Day::isOver() const {
@@ -105,7 +114,7 @@ void Day::tick() {
   watchTrouble();
   makeTrouble();
   shoot();
-  if (_nextRestart < _plan.restarts.size() && now() >= _plan.restarts[_nextRestart]) restart();
+  if (_nextRestart < _plan.restarts.size() && now() >= _plan.restarts[_nextRestart] && mayQuit()) restart();
   if (now() >= _nextProgress) showProgress();
 }
 
@@ -174,6 +183,8 @@ void Day::makeTrouble() {
     _faultRuns = false;
     _holdFire = false;
     note(QStringLiteral("over: ") + nameOf(fault.mishap));
+    if (_dataFaultRuns) _dataFaultEnded = now();
+    _dataFaultRuns = false;
     return _troublemaker.end(fault);
   }
   if (_nextFault == _plan.faults.size() || now() < _plan.faults[_nextFault].at) return;
@@ -187,6 +198,10 @@ void Day::makeTrouble() {
   ++_mishaps[static_cast<std::size_t>(fault.mishap)];
   note(nameOf(fault.mishap));
   if (Troublemaker::concernsCamera(fault.mishap)) troubleBegins();
+  if (Troublemaker::concernsData(fault.mishap)) {
+    _dataFaultRuns = true;
+    _savedSince = false;
+  }
   _troublemaker.begin(fault);
 }
 
@@ -207,6 +222,13 @@ void Day::watchTrouble() {
   } else if (now() - _calmSince > kUntilCalm) {
     _shutter.troubleEnds();
   }
+}
+
+// While the data folder fails nobody could remember what waits for its backup; once it works again, the next
+// photo or the next attempt saves that.
+bool Day::mayQuit() const {
+  const bool saved = _savedSince || now() - _dataFaultEnded > kUntilSavedAgain;
+  return !_dataFaultRuns && saved;
 }
 
 void Day::restart() {
@@ -251,9 +273,13 @@ void Day::converge() {
               .arg(_live.app->backup().queue().size()));
   }
   _convergence = now() - _shootingTime;
-  (void)waitUntil([] { return false; }, seconds(3));
-  _descriptorsAtLast = Meter::descriptors() - static_cast<int>(_restartsDone);
-  _workerDescriptorsAtLast = Meter::descriptors(static_cast<pid_t>(_live.link->processId()));
+  const auto asAtFirst = [this] {
+    // Each application that has quit has left its lock, which is held until the process ends.
+    _descriptorsAtLast = Meter::descriptors() - static_cast<int>(_restartsDone);
+    _workerDescriptorsAtLast = Meter::descriptors(static_cast<pid_t>(_live.link->processId()));
+    return _descriptorsAtLast == _descriptorsAtFirst && _workerDescriptorsAtLast == _workerDescriptorsAtFirst;
+  };
+  (void)waitUntil(asAtFirst, kPatience);
   watchEventLoop();
   _heartbeat.reset();
   _meter.stop();
@@ -272,7 +298,7 @@ void Day::takeStock() {
   _account->checkPhotos(_notFiled + _filingsCutShort);
   _account->checkWholeBackup();
   _diary.flush();
-  _account->checkPlaces();
+  _account->checkPlaces(_hands.moved());
   _wrong += _account->wrong();
 }
 

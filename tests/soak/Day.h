@@ -43,6 +43,7 @@ class Day {
   void makeTrouble();
   void watchTrouble();
   void troubleBegins();
+  bool mayQuit() const;
   void restart();
   bool isOver() const;
   // The evening
@@ -93,6 +94,9 @@ class Day {
   bool _faultRuns = false;
   bool _holdFire = false;  // until the fault is over
   milliseconds _faultEnds{0};
+  bool _dataFaultRuns = false;
+  bool _savedSince = true;  // since the data folder failed
+  milliseconds _dataFaultEnded{0};
   milliseconds _calmSince{-1};  // -1: not calm
 
   // What is heard

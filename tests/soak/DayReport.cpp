@@ -106,6 +106,7 @@ void Day::listen() {
   QObject::connect(&app->photoFiler(), &PhotoFiler::filed, app, [this](const QString& path) {
     note(QStringLiteral("filed ") + path);
     ++_filed;
+    _savedSince = !_dataFaultRuns;
     --_filingsOpen;
   });
   QObject::connect(&app->photoFiler(), &PhotoFiler::failed, app, [this](const QString& message) {
@@ -171,7 +172,7 @@ void Day::checkQueueFile() {
 
 // While the data folder fails the list is in memory alone.
 void Day::compareStore(const std::vector<Row>& rows) {
-  if (_faultRuns && Troublemaker::concernsData(_plan.faults[_nextFault].mishap)) return;
+  if (_dataFaultRuns) return;
   ++_storesCompared;
   const auto stored = readGrid(_live.locations.dataFile(QStringLiteral("ambrel_grid.csv")));
   if (!stored) return wrong(QStringLiteral("The list store cannot be read."));
@@ -234,8 +235,9 @@ QStringList Day::table() const {
     lines << line("  moved or renamed", QStringLiteral("%1 moved to another person, %2 renamed with a folder")
                                             .arg(number(_moved), number(_renamed)));
     lines << line("  backed up",
-                  QStringLiteral("%1, of which %2 had moved before their copy and were asked for")
-                      .arg(number(totals.backedUp), number(totals.backupsAsked)));
+                  QStringLiteral("%1, of which %2 had moved before their copy and were asked for; %3 "
+                                 "beginnings of such copies left")
+                      .arg(number(totals.backedUp), number(totals.backupsAsked), number(totals.stuckCopies)));
   }
   lines << line("acts of the operator", number(_hands.count()));
   for (std::size_t act = 0; act < kActs; ++act)

@@ -107,6 +107,7 @@ RenameDesk AmbrelAppDelegate::renameDesk() {
         return [pending](const QStringList& paths) { pending->add(paths); };
       },
       .whenBackupRests = [this](std::function<void()> act) { _backup.whenAtRest(std::move(act)); },
+      .unfinishedCopySuffix = CopyPlace::kTemporarySuffix,
   };
 }
 

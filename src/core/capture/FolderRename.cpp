@@ -27,6 +27,21 @@ bool hasCells(const NameGrid& grid, qint64 row) {
   return grid.contains(row) && !grid.rows()[static_cast<std::size_t>(row)].empty();
 }
 
+// Copies that were being made under the folder's old name: whoever made them looks for them there, in vain.
+// Those of numbered photos alone: a copy for the folder's new name, which may go on from the old one, is not
+// in anybody's way.
+void removeUnfinishedCopies(Files& files, const std::string& folder, const std::string& oldName,
+                            const std::string& suffix) {
+  if (suffix.empty()) return;
+  const std::string prefix = oldName + '_';
+  for (const std::string& name : entriesOf(folder)) {
+    const bool numbered =
+        name.starts_with(prefix) && name.find_first_of("0123456789", prefix.size()) == prefix.size();
+    if (numbered && name.ends_with(suffix))
+      static_cast<void>(files.remove(path_to_ns(folder) + QLatin1Char('/') + path_to_ns(name)));
+  }
+}
+
 Question renameQuestion(const QString& folderName) {
   Accessory area{kNameField.size()};
   area.textFields.push_back({kNameField, folderName});
@@ -122,11 +137,15 @@ void FolderRename::mirror(const std::vector<Mirrored>& folders) {
 
 void FolderRename::startMirroring() {
   for (const std::vector<Mirrored>& folders : std::exchange(_toMirror, {})) {
-    _mirrorThread.add([this, folders, &files = _files](SerialThread::Line& mainThread) {
+    _mirrorThread.add([this, folders, suffix = _desk.unfinishedCopySuffix,
+                       &files = _files](SerialThread::Line& mainThread) {
       const RenameWatch watch{.stop = [&] { return mainThread.isAbandoned(); }};
       for (const Mirrored& mirrored : folders) {
-        if (!watch.stop() && pathExists(mirrored.folder))
-          renameFolderFSAt(files, mirrored.folder, mirrored.newName, watch);
+        if (watch.stop() || !pathExists(mirrored.folder)) continue;
+        renameFolderFSAt(files, mirrored.folder, mirrored.newName, watch);
+        const std::size_t slash = mirrored.folder.rfind('/');
+        removeUnfinishedCopies(files, mirrored.folder.substr(0, slash + 1) + mirrored.newName,
+                               mirrored.folder.substr(slash + 1), suffix);
       }
       mainThread.tell([this] { Q_EMIT backupFollowed(); });
     });

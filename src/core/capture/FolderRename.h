@@ -34,6 +34,8 @@ struct RenameDesk {
   std::function<void(std::function<void()> act)> whenBackupRests = [](const std::function<void()>& act) {
     act();
   };
+  // Ends the name of a copy in the backup that is still being made; empty: nothing is known of such copies.
+  std::string unfinishedCopySuffix = {};
 };
 
 // What one rename of the application's own made of the paths in the target folder.

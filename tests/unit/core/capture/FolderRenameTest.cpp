@@ -64,7 +64,8 @@ class FolderRenameTest : public FoldersFixture {
                              return backupOn ? QString::fromStdString(backup) + folder.mid(targetDir.size())
                                              : QString();
                            },
-                       .whenBackupRests = [this](const std::function<void()>& act) { waitForRest(act); }}};
+                       .whenBackupRests = [this](const std::function<void()>& act) { waitForRest(act); },
+                       .unfinishedCopySuffix = ".ambrel_tmp"}};
 };
 
 // ---- Moving the photos of a row
@@ -438,6 +439,17 @@ TEST_F(FolderRenameTest, TheBackupsCopyIsRenamedLikewise) {
   move(0, "Bea", {"_FR"});
   EXPECT_EQ(allBelow(backup),
             (Names{"Bea/", "Bea/Bea_0007.JPG", "Bea/Bea_0008.JPG", "Bea_FR/", "Bea_FR/Bea_FR_0001.JPG"}));
+}
+
+TEST_F(FolderRenameTest, ACopyThatIsBeingMadeGoesWithTheNameThatItWasMadeFor) {
+  backupOn = true;
+  makeFiles({"Ann/Ann_0001.JPG", "../Backup/Ann/Ann_0001.JPG"});
+  makeFiles({"../Backup/Ann/Ann_0002.JPG.ambrel_tmp", "../Backup/Ann/Ann_FR_0003.JPG.ambrel_tmp",
+             "../Backup/Ann/Other_0004.JPG.ambrel_tmp", "../Backup/Ann/Ann_0005.txt"});
+  apply(inTargetDir("Ann"), "Ann_FR");
+  EXPECT_EQ(allBelow(backup),
+            (Names{"Ann_FR/", "Ann_FR/Ann_0005.txt", "Ann_FR/Ann_FR_0001.JPG",
+                   "Ann_FR/Ann_FR_0003.JPG.ambrel_tmp", "Ann_FR/Other_0004.JPG.ambrel_tmp"}));
 }
 
 TEST_F(FolderRenameTest, TheBackupFollowsEvenWhenTheRenameIsRefused) {
