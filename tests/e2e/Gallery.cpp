@@ -69,13 +69,14 @@ Locations prepareHome(const QString& path) {
 class Stage {
  public:
   explicit Stage(const QString& folder) : _folder(folder) {
-    // Its name, another each time, is not shown for that of the operator's own folder.
-    qputenv("HOME", _home.path().toLocal8Bit());
     _dialogs.setParentWindow(&window);
     delegate.applicationDidFinishLaunching(window);
     _clock.advance(AmbrelAppDelegate::kSplashTime);
   }
-  ~Stage() { delegate.applicationWillTerminate(); }
+  ~Stage() {
+    delegate.applicationWillTerminate();
+    qputenv("HOME", _ownHome);
+  }
 
   void fill(std::vector<Row> rows) {
     delegate.list().editableGrid().replaceAll(std::move(rows));
@@ -85,6 +86,8 @@ class Stage {
   }
   void chooseFolder() {
     const QString folder = _home.filePath(QStringLiteral("Summer school"));
+    // The folder is shown as one in the operator's home, whose name here is another each time.
+    qputenv("HOME", _home.path().toLocal8Bit());
     putPhotos(folder);
     delegate.selectFolder();
     auto* chooser = qobject_cast<QFileDialog*>(dialog());
@@ -155,6 +158,7 @@ class Stage {
   }
 
   QString _folder;
+  const QByteArray _ownHome = qgetenv("HOME");
   QTemporaryDir _home;
   Locations _locations = prepareHome(_home.path());
   TestClock _clock;
