@@ -94,30 +94,30 @@ std::optional<Values> parsed(const QString& path) {
 }
 
 // QSettings takes a file that it fails to read for an empty one, and keeps to that: it gets a copy of what
-// has been read, of a name of its own each time. Where none can be made, the file itself has to do.
-std::optional<Values> parsedCopy(const QString& original, const QByteArray& bytes) {
+// has been read, of a name of its own each time. Where none can be made, the original has to do, if there is
+// one.
+std::optional<Values> parsedCopy(const QByteArray& bytes, const QString& original = {}) {
   const QTemporaryDir folder;
-  if (!folder.isValid()) return parsed(original);
   QFile copy(folder.filePath(QStringLiteral("preferences.ini")));
-  const bool written = copy.open(QIODevice::WriteOnly) && copy.write(bytes) == bytes.size() && copy.flush();
+  const bool written = folder.isValid() && copy.open(QIODevice::WriteOnly) &&
+                       copy.write(bytes) == bytes.size() && copy.flush();
   copy.close();
-  return parsed(written ? copy.fileName() : original);
+  if (written) return parsed(copy.fileName());
+  return original.isEmpty() ? std::nullopt : parsed(original);
 }
 
-struct Encoding {
-  std::optional<QByteArray> bytes;  // none where the disk failed
-  bool readable = true;
-};
-
-// The settings put into `before`, the bytes of a file of settings. QSettings is only the encoder, in a folder
-// of its own: beside the file it would keep a lock, and one that a failing disk left behind would hold up
-// everything until it is stale. Some keys of others it writes so that it cannot read the file again.
-Encoding encode(const QByteArray& before, const Values& values, const QSet<QString>& removed) {
+// The settings put into `before`, the bytes of a file of settings; none unless they can be read back.
+// QSettings is only the encoder, in a folder of its own: beside the file it would keep a lock, and one that a
+// failing disk left behind would hold up everything until it is stale. Some keys of others it writes so that
+// it cannot read the file again, and it does not notice every write that fails.
+std::optional<QByteArray> encoded(const QByteArray& before, const Values& values,
+                                  const QSet<QString>& removed) {
   const QTemporaryDir folder;
-  if (!folder.isValid()) return {};
+  if (!folder.isValid()) return std::nullopt;
   const QString copy = folder.filePath(QStringLiteral("preferences.ini"));
   QFile file(copy);
-  if (!file.open(QIODevice::WriteOnly) || file.write(before) != before.size() || !file.flush()) return {};
+  if (!file.open(QIODevice::WriteOnly) || file.write(before) != before.size() || !file.flush())
+    return std::nullopt;
   file.close();
   {
     QSettings settings(copy, QSettings::IniFormat);
@@ -126,18 +126,14 @@ Encoding encode(const QByteArray& before, const Values& values, const QSet<QStri
     for (auto value = values.cbegin(); value != values.cend(); ++value)
       settings.setValue(value.key(), value.value());
     settings.sync();
-    if (settings.status() == QSettings::AccessError) return {};
-    if (settings.status() == QSettings::FormatError) return {.bytes = std::nullopt, .readable = false};
+    if (settings.status() != QSettings::NoError) return std::nullopt;
   }
   const std::optional<QByteArray> bytes = bytesOf(copy);
-  if (!bytes) return {};
-  const auto isReadBack = [&] {
-    const std::optional<Values> read = parsedCopy(copy, *bytes);
-    return read && std::all_of(values.keyBegin(), values.keyEnd(),
-                               [&read](const QString& key) { return read->contains(key); });
-  };
-  // Twice, for a read that fails looks like an empty file.
-  return {.bytes = bytes, .readable = isReadBack() || isReadBack()};
+  const std::optional<Values> read = bytes ? parsedCopy(*bytes) : std::nullopt;
+  if (!read) return std::nullopt;
+  const bool complete = std::all_of(values.keyBegin(), values.keyEnd(),
+                                    [&read](const QString& key) { return read->contains(key); });
+  return complete ? bytes : std::nullopt;
 }
 
 void keepAside(const QString& path) {
@@ -155,8 +151,8 @@ Preferences::Preferences(const QString& file) : _file(file), _writer([this] { wr
   // One failed read must not cost the settings of a whole session.
   if (!bytes) bytes = bytesOf(file);
   if (!bytes) return;
-  std::optional<Values> values = parsedCopy(file, *bytes);
-  if (values && values->isEmpty() && !bytes->isEmpty()) values = parsedCopy(file, *bytes);
+  std::optional<Values> values = parsedCopy(*bytes, file);
+  if (values && values->isEmpty() && !bytes->isEmpty()) values = parsedCopy(*bytes, file);
   if (values && isText(*bytes)) {
     _values = *values;
   } else {
@@ -304,14 +300,16 @@ void Preferences::write() {
   }
   const std::optional<QByteArray> before = QFile::exists(_file) ? bytesOf(_file) : QByteArray();
   if (!before) return;
-  Encoding encoding = encode(*before, snapshot.values, snapshot.removed);
-  if (!encoding.readable && !before->isEmpty()) {
-    keepAside(_file);
-    encoding = encode(QByteArray(), snapshot.values, snapshot.removed);
+  std::optional<QByteArray> after = encoded(*before, snapshot.values, snapshot.removed);
+  // Whatever failed once may not have been the file's fault.
+  if (!after) after = encoded(*before, snapshot.values, snapshot.removed);
+  if (!after && !before->isEmpty()) {
+    after = encoded(QByteArray(), snapshot.values, snapshot.removed);
+    if (after) keepAside(_file);
   }
-  if (!encoding.bytes) return;
+  if (!after) return;
   QDir().mkpath(_file.left(_file.lastIndexOf(QLatin1Char('/'))));
-  (void)PosixFiles().replaceWhole(_file, *encoding.bytes);
+  (void)PosixFiles().replaceWhole(_file, *after);
 }
 
 }  // namespace ambrel
