@@ -45,8 +45,9 @@ void makeFolder(const std::string& path) {
 
 void makePhotos(const std::string& folder, const std::string& prefix, int count) {
   makeFolder(folder);
+  const std::string start = folder + '/' + prefix + '_';
   for (int i = 1; i <= count; ++i)
-    makeFile(folder + '/' + prefix + '_' + std::to_string(i) + ".JPG");
+    makeFile(start + std::to_string(i) + ".JPG");
 }
 
 using Counts = std::vector<std::int64_t>;
@@ -110,12 +111,14 @@ void measureMerge(const std::string& target, Goals& goals) {
     const std::string source = target + "/From " + std::to_string(round);
     const std::string name = "Into " + std::to_string(round);
     makePhotos(source, "photo", kMerged);
-    makePhotos(target + '/' + name, name, 10);
+    std::string into = target + '/';
+    into += name;
+    makePhotos(into, name, 10);
     RenameOutcome outcome;
-    times.push_back(
-        millisecondsOf([&] { outcome = renameFolderFSAt(files, source, name, [] { return false; }); }));
+    const RenameWatch watch{.stop = [] { return false; }};
+    times.push_back(millisecondsOf([&] { outcome = renameFolderFSAt(files, source, name, watch); }));
     require(outcome.photos == kMerged && outcome.message.isEmpty(), "not all photos were moved");
-    require(imageCountInFolder(target + '/' + name) == kMerged + 10, "photos are missing");
+    require(imageCountInFolder(into) == kMerged + 10, "photos are missing");
     require(::access(source.c_str(), F_OK) != 0, "the empty folder is still there");
   }
   goals.atMost("merge 5,000 photos (>= 1,500/s)", times, kMerged * 1000 / kPhotosPerSecond);

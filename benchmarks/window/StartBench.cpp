@@ -37,6 +37,7 @@ struct Starts {
 
 void storePeople(const QString& home) {
   std::vector<Row> rows;
+  rows.reserve(kNamesInWindow);
   for (int i = 0; i < kNamesInWindow; ++i)
     rows.push_back({"Person Number " + std::to_string(i), i % 3 == 0 ? "front row, left" : "",
                     std::to_string(i % 4), i % 40 == 0 ? "1" : ""});

@@ -52,12 +52,12 @@ void measureKeys(Goals& goals, Application& app) {
   ui::NameTable& table = *app.window.leftPane()->table();
   app.window.repaint();
   PaintWatch watch(*table.viewport());
-  std::vector<double> steps;
-  for (int step = 0; step < kSteps; ++step) {
-    steps.push_back(millisecondsOf([&] {
+  std::vector<double> steps(kSteps);
+  for (double& step : steps) {
+    step = millisecondsOf([&] {
       press(table, Qt::Key_Down);
       watch.waitForPaint();
-    }));
+    });
   }
   require(app.delegate.list().selectedRow() == kSteps, "the selection did not follow");
   double whole = 0;

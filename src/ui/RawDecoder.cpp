@@ -51,8 +51,9 @@ QImageIOHandler::Transformations transformationOf(int flip) {
   }
 }
 
-// The library reads beyond the end of a cut file and leaves the rest of the preview to chance.
-bool holdsWholePreview(const libraw_data_t& raw, const QString& path) {
+// The library reads beyond the end of a cut file and leaves the rest of the preview to chance. It is not
+// linked, so nothing can check the type of its object.
+[[gnu::no_sanitize("vptr")]] bool holdsWholePreview(const libraw_data_t& raw, const QString& path) {
   auto* reader = static_cast<LibRaw*>(raw.parent_class);
   const qint64 start = reader->get_internal_data_pointer()->internal_data.toffset;
   return start + qint64{raw.thumbnail.tlength} <= QFileInfo(path).size();
