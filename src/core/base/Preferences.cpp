@@ -304,8 +304,13 @@ void Preferences::write() {
   // Whatever failed once may not have been the file's fault.
   if (!after) after = encoded(*before, snapshot.values, snapshot.removed);
   if (!after && !before->isEmpty()) {
-    after = encoded(QByteArray(), snapshot.values, snapshot.removed);
-    if (after) keepAside(_file);
+    std::optional<QByteArray> alone = encoded(QByteArray(), snapshot.values, snapshot.removed);
+    // That it went well now may also mean that a fault of the disk has just ended.
+    if (alone) after = encoded(*before, snapshot.values, snapshot.removed);
+    if (alone && !after) {
+      keepAside(_file);
+      after = std::move(alone);
+    }
   }
   if (!after) return;
   QDir().mkpath(_file.left(_file.lastIndexOf(QLatin1Char('/'))));
