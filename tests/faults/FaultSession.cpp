@@ -17,6 +17,7 @@
 #include "core/worker/ProcessLink.h"
 #include "faults/FaultPlan.h"
 #include "faults/Photos.h"
+#include "support/LongWait.h"
 #include "support/RecordingScreen.h"
 #include "support/TestClock.h"
 
@@ -66,9 +67,11 @@ class Session {
  public:
   Session(const QString& home, const QString& bundle, const std::function<void()>& shutter)
       : _shutter(shutter),
-        _app(std::make_unique<AmbrelAppDelegate>(
-            _clock, _witness, files(), _link,
-            Surroundings{Locations::below(home), Bundle(bundle), [](qint64) {}})) {
+        _app(std::make_unique<AmbrelAppDelegate>(_clock, _witness, files(), _link,
+                                                 Surroundings{.locations = Locations::below(home),
+                                                              .bundle = Bundle(bundle),
+                                                              .killStrayWorkers = [](qint64) {},
+                                                              .longestWaitForListStore = kAsLongAsItTakes})) {
     QObject::connect(&_app->photoFiler(), &PhotoFiler::filed, &_here, [this](const QString& path) {
       note("filed", path.toUtf8().constData());
       report(QStringLiteral("filed ") + path);

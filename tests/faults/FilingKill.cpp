@@ -20,6 +20,7 @@
 #include "core/app/AmbrelAppDelegate.h"
 #include "core/base/PosixFiles.h"
 #include "faults/KillFolders.h"
+#include "support/LongWait.h"
 #include "support/RecordingScreen.h"
 #include "support/TestClock.h"
 #include "support/TestLink.h"
@@ -66,7 +67,8 @@ class Launch {
     _app = std::make_unique<AmbrelAppDelegate>(_clock, _operator, _files, _link,
                                                Surroundings{.locations = Locations::below(folders.home),
                                                             .bundle = Bundle(folders.home),
-                                                            .killStrayWorkers = [](qint64) {}});
+                                                            .killStrayWorkers = [](qint64) {},
+                                                            .longestWaitForListStore = kAsLongAsItTakes});
     _app->applicationDidFinishLaunching(_screen);
     _clock.advance(AmbrelAppDelegate::kSplashTime);
   }

@@ -63,7 +63,7 @@ void edit(NameGrid& grid, Random& random) {
   }
 }
 
-// The process that is to be killed: one byte to `reports` after each save that has returned.
+// The process that is to be killed: one byte to `reports` after each list that is in its file.
 [[noreturn]] void editWithoutEnd(const QString& home, unsigned seed, int reports) {
   PosixFiles files;
   ListStore store(files, Locations::below(home));
@@ -72,7 +72,9 @@ void edit(NameGrid& grid, Random& random) {
   Random random(seed);
   for (;;) {
     edit(grid, random);
-    const bool saved = store.save(grid);
+    (void)store.save(grid);
+    store.finishWriting();
+    const bool saved = !store.isUnsaved();
     // A write to a pipe that nobody reads ends the process, so it never outlives its parent.
     if (!saved || write(reports, "s", 1) != 1) _exit(3);
   }

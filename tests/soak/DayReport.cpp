@@ -174,7 +174,14 @@ void Day::checkQueueFile() {
 void Day::compareStore(const std::vector<Row>& rows) {
   if (_dataFaultRuns) return;
   ++_storesCompared;
-  const auto stored = readGrid(_live.locations.dataFile(QStringLiteral("ambrel_grid.csv")));
+  std::optional<std::vector<Row>> stored;
+  // A disk that is kept busy holds up the writing too, and the application does not wait for it.
+  (void)waitUntil(
+      [&] {
+        stored = readGrid(_live.locations.dataFile(QStringLiteral("ambrel_grid.csv")));
+        return stored && wholeRows(*stored) == rows;
+      },
+      std::chrono::seconds(10));
   if (!stored) return wrong(QStringLiteral("The list store cannot be read."));
   if (wholeRows(*stored) != rows)
     wrong(QStringLiteral("The list store is not the list: %1 rows, and %2 in memory.")

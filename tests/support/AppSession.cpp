@@ -6,6 +6,8 @@
 #include <QFile>
 #include <gtest/gtest.h>
 
+#include "support/LongWait.h"
+
 namespace ambrel {
 
 AppSession::AppSession() : locations(Locations::below(folder.filePath("home"))) {
@@ -33,7 +35,8 @@ void AppSession::startApplication() {
                        },
                    .releaseHost = releaseHost,
                    .openFolder = [this](const QString& opening) { opened << opening; },
-                   .revealFile = [this](const QString& file) { revealed << file; }});
+                   .revealFile = [this](const QString& file) { revealed << file; },
+                   .longestWaitForListStore = kAsLongAsItTakes});
 }
 
 void AppSession::launch() {

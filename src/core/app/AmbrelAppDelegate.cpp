@@ -48,7 +48,7 @@ AmbrelAppDelegate::AmbrelAppDelegate(Clock& clock, Operator& operatorSeam, Files
       _link(link),
       _preferences(surroundings.locations.preferencesFile),
       _statusLine(clock, [this] { return readiness(); }),
-      _listStore(files, surroundings.locations),
+      _listStore(files, surroundings.locations, surroundings.longestWaitForListStore),
       _list(_listStore, _preferences, _statusLine),
       _listTransfer(_list, operatorSeam, _statusLine, files),
       _listEditing(_list, operatorSeam, _statusLine),

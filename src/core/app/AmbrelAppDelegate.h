@@ -49,6 +49,8 @@ struct Surroundings {
   // The desktop's file manager shows a folder, or a file selected in its folder.
   std::function<void(const QString& folder)> openFolder = [](const QString&) {};
   std::function<void(const QString& file)> revealFile = [](const QString&) {};
+  // For how long a change of the list waits until it is in its file.
+  std::chrono::milliseconds longestWaitForListStore = ListStore::kLongestWait;
 };
 
 // The composition root: holds every subsystem, connects them in one place, and runs the launch and shut-down

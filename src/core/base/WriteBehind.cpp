@@ -24,7 +24,12 @@ void WriteBehind::request() {
 
 void WriteBehind::finish() {
   std::unique_lock lock(_mutex);
-  _changed.wait(lock, [this] { return !_requested && !_running; });
+  _changed.wait(lock, [this] { return isAtRest(); });
+}
+
+bool WriteBehind::finishWithin(std::chrono::milliseconds longest) {
+  std::unique_lock lock(_mutex);
+  return _changed.wait_for(lock, longest, [this] { return isAtRest(); });
 }
 
 void WriteBehind::run() {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <mutex>
@@ -22,9 +23,12 @@ class WriteBehind {
   void request();
   // Returns when nothing is requested or running any more.
   void finish();
+  // As finish(), but for no longer than this; whether nothing is left to do.
+  bool finishWithin(std::chrono::milliseconds longest);
 
  private:
   void run();
+  bool isAtRest() const { return !_requested && !_running; }
 
   std::function<void()> _work;
   std::mutex _mutex;

@@ -2,6 +2,7 @@
 #include "core/list/ListStore.h"
 
 #include <QFile>
+#include <utility>
 
 #include "core/base/FolderReader.h"
 #include "core/base/PathText.h"
@@ -14,11 +15,15 @@ constexpr int kMaxNamesAside = 1000;
 
 }  // namespace
 
-ListStore::ListStore(Files& files, const Locations& locations)
-    : _files(files), _locations(locations), _flusher([this, path = gridStorePath()] {
+ListStore::ListStore(Files& files, const Locations& locations, std::chrono::milliseconds longestWait)
+    : _files(files),
+      _locations(locations),
+      _longestWait(longestWait),
+      _flusher([this, path = gridStorePath()] {
         // A list that cannot be flushed stays in memory and is flushed with the next change.
         (void)_files.flush(path);
-      }) {}
+      }),
+      _writer([this] { carryOut(); }) {}
 
 QString ListStore::gridStorePath() const {
   return _locations.dataFile(QStringLiteral("ambrel_grid.csv"));
@@ -30,11 +35,54 @@ bool ListStore::exists() const {
 
 bool ListStore::save(const NameGrid& grid) {
   _readAhead.forget();
-  if (_unread && !keepUnreadFileAside()) return false;
+  if (_unread && !keepUnreadFileAside()) {
+    const std::lock_guard lock(_mutex);
+    _failed = true;
+    return false;
+  }
   _text.update(grid);
-  const Result<void> written = _files.replaceWholeUnflushed(gridStorePath(), _text.bytes());
+  begin(Task::Write, _text.bytes());
+  return !isUnsaved();
+}
+
+bool ListStore::isUnsaved() const {
+  const std::lock_guard lock(_mutex);
+  return _failed;
+}
+
+void ListStore::begin(Task task, const QByteArray& bytes) {
+  {
+    const std::lock_guard lock(_mutex);
+    _task = task;
+    _toWrite = bytes;
+    _failed = false;
+  }
+  _writer.request();
+  (void)_writer.finishWithin(_longestWait);
+}
+
+// On the writer's thread.
+void ListStore::carryOut() {
+  const QString path = gridStorePath();
+  Task task = Task::None;
+  QByteArray bytes;
+  {
+    const std::lock_guard lock(_mutex);
+    task = std::exchange(_task, Task::None);
+    bytes = std::exchange(_toWrite, QByteArray());
+  }
+  if (task == Task::Remove) (void)_files.remove(path);
+  if (task != Task::Write) return;
+  const bool written = _files.replaceWholeUnflushed(path, bytes).ok();
   if (written) _flusher.request();
-  return written.ok();
+  const std::lock_guard lock(_mutex);
+  // What came meanwhile is judged by its own turn.
+  if (_task == Task::None) _failed = !written;
+}
+
+void ListStore::finishFlush() {
+  _writer.finish();
+  _flusher.finish();
 }
 
 std::optional<std::vector<Row>> ListStore::load() {
@@ -62,7 +110,7 @@ bool ListStore::keepUnreadFileAside() {
 }
 
 void ListStore::remove() {
-  (void)_files.remove(gridStorePath());
+  begin(Task::Remove, {});
 }
 
 }  // namespace ambrel

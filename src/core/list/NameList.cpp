@@ -143,7 +143,6 @@ void NameList::reset() {
   _order.clear();
   dropSelection();
   _store.remove();
-  _unsaved = false;
   _rule.captureFilter = CaptureFilter::All;
   Q_EMIT captureFilterChanged();
   Q_EMIT reloaded();
@@ -195,12 +194,11 @@ bool NameList::showSelectionTotalsIfMultiple() {
 }
 
 bool NameList::saveGridToDisk() {
-  _unsaved = !_store.save(_grid);
-  return !_unsaved;
+  return _store.save(_grid);
 }
 
 void NameList::saveGridIfUnsaved() {
-  if (_unsaved) saveGridToDisk();
+  if (_store.isUnsaved()) saveGridToDisk();
 }
 
 bool NameList::loadGridFromDisk() {

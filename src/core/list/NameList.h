@@ -128,7 +128,6 @@ class NameList : public QObject {
   qint64 _tableSelectedLast = -1;  // display row
   qint64 _selectedRow = -1;
   QString _csvPath;
-  bool _unsaved = false;  // the last save failed
 };
 
 }  // namespace ambrel

@@ -10,6 +10,7 @@
 #include "core/list/ListEditing.h"
 #include "core/list/NameList.h"
 #include "integration/list/PlainList.h"
+#include "support/LongWait.h"
 #include "support/MemoryFolder.h"
 #include "support/ScriptedOperator.h"
 #include "support/TestClock.h"
@@ -71,7 +72,7 @@ class ListModelFixture : public ::testing::TestWithParam<unsigned> {
   ScriptedOperator person;
   StatusLine statusLine{clock, [] { return Readiness{}; }};
   Preferences preferences{locations.preferencesFile};
-  ListStore store{files, locations};
+  ListStore store{files, locations, kAsLongAsItTakes};
   NameList list{store, preferences, statusLine};
   ListEditing editing{list, person, statusLine};
   PlainList model;

@@ -9,6 +9,7 @@
 #include "core/list/ListEditing.h"
 #include "core/list/ListStore.h"
 #include "core/list/NameList.h"
+#include "support/LongWait.h"
 #include "support/ScriptedOperator.h"
 #include "support/TestClock.h"
 
@@ -35,7 +36,7 @@ class ListFixture : public ::testing::Test {
   PosixFiles _files;
   Preferences _preferences{_locations.preferencesFile};
   StatusLine _statusLine{_clock, [] { return Readiness(); }};
-  ListStore _store{_files, _locations};
+  ListStore _store{_files, _locations, kAsLongAsItTakes};
   NameList _list{_store, _preferences, _statusLine};
   ScriptedOperator _operator;
   ListEditing _editing{_list, _operator, _statusLine};

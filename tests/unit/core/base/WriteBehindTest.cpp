@@ -44,6 +44,16 @@ TEST(WriteBehind, MakesOneMoreRunOfAllRequestsThatArriveWhileItIsBusy) {
   EXPECT_EQ(runs, 2);
 }
 
+TEST(WriteBehind, IsWaitedForNoLongerThanAsked) {
+  std::latch mayEnd(1);
+  WriteBehind behind([&] { mayEnd.wait(); });
+  EXPECT_TRUE(behind.finishWithin(std::chrono::milliseconds(0)));
+  behind.request();
+  EXPECT_FALSE(behind.finishWithin(std::chrono::milliseconds(1)));
+  mayEnd.count_down();
+  EXPECT_TRUE(behind.finishWithin(std::chrono::minutes(5)));
+}
+
 TEST(WriteBehind, CompletesWhatWasRequestedBeforeItEnds) {
   std::atomic<int> runs = 0;
   {

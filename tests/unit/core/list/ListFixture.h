@@ -5,6 +5,7 @@
 #include <QTemporaryDir>
 #include <atomic>
 #include <gtest/gtest.h>
+#include <latch>
 #include <thread>
 
 #include "core/base/Locations.h"
@@ -12,6 +13,7 @@
 #include "core/base/Preferences.h"
 #include "core/list/GridText.h"
 #include "core/list/NameList.h"
+#include "support/LongWait.h"
 #include "support/TestClock.h"
 
 namespace ambrel {
@@ -25,6 +27,7 @@ class WatchedFiles : public PosixFiles {
     return PosixFiles::replaceWhole(path, bytes);
   }
   Result<void> replaceWholeUnflushed(const QString& path, const QByteArray& bytes) override {
+    if (std::latch* const gate = hesitatesUntil) gate->wait();
     if (fail) return Failure{QStringLiteral("No space left on device")};
     ++replacements;
     replacingThread = std::this_thread::get_id();
@@ -38,6 +41,7 @@ class WatchedFiles : public PosixFiles {
   }
 
   std::atomic<bool> fail = false;
+  std::atomic<std::latch*> hesitatesUntil = nullptr;
   std::atomic<int> replacements = 0;
   std::atomic<int> flushes = 0;
   std::atomic<std::thread::id> replacingThread;
@@ -103,7 +107,7 @@ class ListFixture : public ::testing::Test {
   TestClock clock;
   StatusLine statusLine{clock, [] { return Readiness{}; }};
   Preferences preferences{locations.preferencesFile};
-  ListStore store{files, locations};
+  ListStore store{files, locations, kAsLongAsItTakes};
   NameList list{store, preferences, statusLine};
   QStringList steps;
 };

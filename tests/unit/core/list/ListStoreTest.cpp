@@ -128,7 +128,10 @@ TEST_F(ListStoreTest, KeepsTheListInAFolderThatMayNotBeWrittenAndSaysThatItFaile
   const pid_t child = fork();
   if (child == 0) {
     if (::geteuid() == 0 && ::seteuid(kNobody) != 0) ::_exit(3);
-    ::_exit(save({{"Ben"}}) ? 1 : 0);
+    // A child has none of its parent's threads.
+    ListStore own(files, locations, kAsLongAsItTakes);
+    grid.append({"Ben"});
+    ::_exit(own.save(grid) ? 1 : 0);
   }
   int status = 0;
   ASSERT_EQ(::waitpid(child, &status, 0), child);
@@ -137,13 +140,70 @@ TEST_F(ListStoreTest, KeepsTheListInAFolderThatMayNotBeWrittenAndSaysThatItFaile
   EXPECT_EQ(store.load(), (Rows{{"Anna", "", "0", ""}}));
 }
 
-TEST_F(ListStoreTest, SavesOnTheCallingThreadAndFlushesBehind) {
+TEST_F(ListStoreTest, HasWrittenWhenItReturnsAndFlushesBehindOnAnotherThread) {
   save({{"Anna"}});
-  store.finishFlush();
   EXPECT_EQ(files.replacements, 1);
-  EXPECT_EQ(files.replacingThread.load(), std::this_thread::get_id());
+  EXPECT_EQ(storedList(), "File Name,Notes,Captured,Marker\nAnna,,0,");
+  store.finishFlush();
   EXPECT_EQ(files.flushes, 1);
+  EXPECT_NE(files.replacingThread.load(), std::this_thread::get_id());
   EXPECT_NE(files.flushingThread.load(), std::this_thread::get_id());
+  EXPECT_NE(files.flushingThread.load(), files.replacingThread.load());
+}
+
+TEST_F(ListStoreTest, DoesNotWaitForADiskThatHesitates) {
+  std::latch gate(1);
+  files.hesitatesUntil = &gate;
+  ListStore impatient(files, locations, std::chrono::milliseconds(0));
+  grid.append({"Anna"});
+  EXPECT_TRUE(impatient.save(grid));
+  EXPECT_FALSE(impatient.exists());
+  gate.count_down();
+  impatient.finishWriting();
+  EXPECT_EQ(impatient.load(), (Rows{{"Anna", "", "0", ""}}));
+}
+
+TEST_F(ListStoreTest, WritesTheLastListThatCameWhileTheDiskHesitated) {
+  std::latch gate(1);
+  files.hesitatesUntil = &gate;
+  ListStore impatient(files, locations, std::chrono::milliseconds(0));
+  for (const char* name : {"Anna", "Ben", "Cara"}) {
+    grid.append({name});
+    EXPECT_TRUE(impatient.save(grid));
+  }
+  gate.count_down();
+  impatient.finishWriting();
+  EXPECT_EQ(impatient.load(), (Rows{{"Anna", "", "0", ""}, {"Ben", "", "0", ""}, {"Cara", "", "0", ""}}));
+  EXPECT_LE(files.replacements, 2);
+}
+
+TEST_F(ListStoreTest, TellsOfAHesitantDiskThatFailsInTheEnd) {
+  std::latch gate(1);
+  files.hesitatesUntil = &gate;
+  files.fail = true;
+  ListStore impatient(files, locations, std::chrono::milliseconds(0));
+  grid.append({"Anna"});
+  EXPECT_TRUE(impatient.save(grid));
+  EXPECT_FALSE(impatient.isUnsaved());
+  gate.count_down();
+  impatient.finishWriting();
+  EXPECT_TRUE(impatient.isUnsaved());
+  files.fail = false;
+  EXPECT_TRUE(impatient.save(grid));
+  impatient.finishWriting();
+  EXPECT_FALSE(impatient.isUnsaved());
+}
+
+TEST_F(ListStoreTest, RemovesTheFileAlsoWhileAHesitantDiskStillWritesIt) {
+  std::latch gate(1);
+  files.hesitatesUntil = &gate;
+  ListStore impatient(files, locations, std::chrono::milliseconds(0));
+  grid.append({"Anna"});
+  EXPECT_TRUE(impatient.save(grid));
+  impatient.remove();
+  gate.count_down();
+  impatient.finishWriting();
+  EXPECT_FALSE(impatient.exists());
 }
 
 TEST_F(ListStoreTest, FlushesTheLastOfManySaves) {
