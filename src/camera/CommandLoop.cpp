@@ -38,10 +38,7 @@ void CommandLoop::run() {
   while (!_ending) {
     const bool busy = _state != State::NoCamera && pollCamera();
     lookAtCardWhenDue();
-    const milliseconds pause = _state == State::NoCamera ? kNoCameraPause
-                               : _state == State::Idle   ? kIdlePause
-                                                         : kWatchingPause;
-    takeCommands(busy ? milliseconds(0) : pause);
+    takeCommands(busy ? milliseconds(0) : pauseBetweenPolls());
   }
   emptyHostMemory();
   _camera.close();
@@ -182,6 +179,7 @@ void CommandLoop::startWatching() {
   if (_state == State::Idle) {
     if (const Outcome<> started = startFromCard(); !started) return cameraFailed(started.failure());
     _state = State::Watching;
+    _lastEvent = _lines.now();
   }
   if (_state == State::Watching) say(Message::Kind::PumpActiveReady);
 }
@@ -241,10 +239,25 @@ bool CommandLoop::pollCamera() {
   }
   _busyTold = false;
   const bool nothing = event.value().kind == CameraEvent::Kind::Nothing;
+  if (!nothing) _lastEvent = _lines.now();
   if (nothing && _state == State::Finishing) _state = State::Idle;
   if (nothing || event.value().kind == CameraEvent::Kind::FileAdded) answerIdle();
   handle(event.value());
   return !nothing;
+}
+
+milliseconds CommandLoop::pauseBetweenPolls() const {
+  switch (_state) {
+    case State::NoCamera:
+      return kNoCameraPause;
+    case State::Idle:
+      return kIdlePause;
+    case State::Watching:
+      return _lines.now() - _lastEvent < kRestAfter ? kWatchingPause : kRestingPause;
+    case State::Finishing:
+      break;
+  }
+  return kWatchingPause;
 }
 
 void CommandLoop::handle(const CameraEvent& event) {

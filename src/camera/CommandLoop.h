@@ -18,6 +18,9 @@ namespace ambrel::camera {
 // How often the camera is asked for events between commands: watching, a photo should be seen at once; idle,
 // the camera is only kept awake and its captures are counted.
 constexpr std::chrono::milliseconds kWatchingPause{20};
+// Between people nobody shoots: after this long without a word from the camera half the questions will do.
+constexpr std::chrono::seconds kRestAfter{5};
+constexpr std::chrono::milliseconds kRestingPause{40};
 constexpr std::chrono::milliseconds kIdlePause{60};
 constexpr std::chrono::milliseconds kNoCameraPause{1000};
 // A busy camera is asked again for this long before a photo is given up.
@@ -64,6 +67,7 @@ class CommandLoop {
   void setDownloadDir(const std::string& path);
 
   bool pollCamera();
+  std::chrono::milliseconds pauseBetweenPolls() const;
   void handle(const CameraEvent& event);
   void fileAdded(const CameraFile& file);
   void fetch(const CameraFile& file);
@@ -103,6 +107,7 @@ class CommandLoop {
       _waiting;  // commands that came during a camera operation and wait for its end
 
   bool _busyTold = false;  // since the camera last answered
+  Time _lastEvent;         // or the begin of watching
   CaptureLedger _ledger;
   CardLookout _lookout;
 };

@@ -44,6 +44,21 @@ class CommandLoop : public ::testing::Test {
     EXPECT_FALSE(camera.sessionOpen) << "the session was left open";
     return channel.said;
   }
+  // Between the times at which the camera was asked for events.
+  std::vector<milliseconds> pausesBetween(milliseconds from, milliseconds to) const {
+    std::vector<milliseconds> pauses;
+    for (std::size_t i = 1; i < camera.askedAt.size(); ++i)
+      if (camera.askedAt[i - 1] >= from && camera.askedAt[i] <= to)
+        pauses.push_back(camera.askedAt[i] - camera.askedAt[i - 1]);
+    EXPECT_GT(pauses.size(), 10u);
+    return pauses;
+  }
+  milliseconds longestPauseBetween(milliseconds from, milliseconds to) const {
+    return std::ranges::max(pausesBetween(from, to));
+  }
+  milliseconds shortestPauseBetween(milliseconds from, milliseconds to) const {
+    return std::ranges::min(pausesBetween(from, to));
+  }
   std::string downloaded(const std::string& name) { return "DOWNLOADED|" + target.file(name); }
   // Folders that cannot be written, also for root, are those that are not there.
   void loseTarget() { std::filesystem::remove(target.path()); }
@@ -531,6 +546,31 @@ TEST_F(CommandLoop, ReportsNoFileThatIsNotWhole) {
             "ERROR|download failed: IMG_0001.JPG: the camera sent 5 of 13 bytes; the photo stays "
             "on the camera's card");
   EXPECT_TRUE(target.names().empty());
+}
+
+// ---- How often the camera is asked
+
+TEST_F(CommandLoop, AsksAWatchedCameraHalfAsOftenAfterFiveSecondsWithoutAWord) {
+  watch();
+  run();
+  EXPECT_EQ(longestPauseBetween(milliseconds(100), milliseconds(5100)), kWatchingPause);
+  EXPECT_EQ(longestPauseBetween(milliseconds(5200), milliseconds(9900)), kRestingPause);
+  EXPECT_EQ(shortestPauseBetween(milliseconds(5200), milliseconds(9900)), kRestingPause);
+}
+
+TEST_F(CommandLoop, AsksAtItsFormerPaceOnceTheCameraHasSpoken) {
+  watch();
+  camera.tell(milliseconds(8000), CameraEvent::Kind::Other);
+  run();
+  EXPECT_EQ(shortestPauseBetween(milliseconds(5200), milliseconds(8000)), kRestingPause);
+  EXPECT_EQ(longestPauseBetween(milliseconds(8050), milliseconds(9900)), kWatchingPause);
+}
+
+TEST_F(CommandLoop, BeginsWatchingAtFullPace) {
+  connectAt(milliseconds(0));
+  channel.send(milliseconds(7000), "PUMP_ACTIVE");
+  run();
+  EXPECT_EQ(longestPauseBetween(milliseconds(7000), milliseconds(9900)), kWatchingPause);
 }
 
 // ---- Photos that nothing announced

@@ -82,6 +82,7 @@ Outcome<bool> FakeCamera::hasCard() {
 }
 
 Outcome<CameraEvent> FakeCamera::waitForEvent() {
+  askedAt.push_back(_channel.elapsed());
   if (auto loss = lossNow()) return *loss;
   if (waitTakes > milliseconds(0)) {
     _channel.advance(waitTakes);

@@ -75,6 +75,7 @@ class FakeCamera : public Camera {
   int listings = 0;
   std::vector<SaveMode> modes;
   std::vector<std::string> fetched;
+  std::vector<milliseconds> askedAt;  // for events
   // Each wait for events takes this long, and commands are obeyed meanwhile.
   milliseconds waitTakes{0};
   // A photo comes in this many pieces, and this is called before each.
