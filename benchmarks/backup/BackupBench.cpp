@@ -15,6 +15,7 @@
 #include <string>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 
 #include "core/backup/Backup.h"
 #include "core/backup/BackupCopy.h"
@@ -22,6 +23,7 @@
 #include "core/base/PosixFiles.h"
 #include "core/base/SystemClock.h"
 #include "core/base/ThreadPriority.h"
+#include "support/AbsentOperator.h"
 #include "support/FilingSession.h"
 #include "support/Goals.h"
 
@@ -71,13 +73,16 @@ void run(const QString& program, const QStringList& arguments) {
   require(QProcess::execute(program, arguments) == 0, "the peer failed");
 }
 
-class NobodyAsks : public Operator {
+// Chooses one folder whenever asked.
+class FolderChooser : public AbsentOperator {
  public:
-  void showAlert(const QString&, const QString&, std::function<void()>) override {}
-  void ask(const Question&, std::function<void(const Answer&)>) override {}
-  void choosePath(const PathRequest&, std::function<void(const QString&)> chosen) override { chosen(folder); }
-  void beep() override {}
-  QString folder;
+  explicit FolderChooser(QString folder) : _folder(std::move(folder)) {}
+  void choosePath(const PathRequest&, std::function<void(const QString&)> chosen) override {
+    chosen(_folder);
+  }
+
+ private:
+  const QString _folder;
 };
 
 // ---- Copies
@@ -126,8 +131,7 @@ void sendThroughBackup(const Photos& photos, const QString& folder, const QStrin
   const QTemporaryDir home(folder + QStringLiteral("/road-XXXXXX"));
   PosixFiles files;
   SystemClock clock;
-  NobodyAsks nobody;
-  nobody.folder = to;
+  FolderChooser nobody(to);
   const Locations locations = Locations::below(home.path());
   Preferences preferences(locations.preferencesFile);
   StatusLine statusLine(clock, [] { return Readiness{}; });
@@ -295,8 +299,7 @@ void fileBeside(BackupAtWork work, const QString& folder, std::vector<double>& t
   PosixFiles files;
   HangingFiles hanging;
   SystemClock clock;
-  NobodyAsks nobody;
-  nobody.folder = copies;
+  FolderChooser nobody(copies);
   const Locations locations = Locations::below(home.path());
   Preferences preferences(locations.preferencesFile);
   StatusLine statusLine(clock, [] { return Readiness{}; });

@@ -15,6 +15,7 @@
 #include "core/base/PosixFiles.h"
 #include "core/base/SystemClock.h"
 #include "core/worker/ProcessLink.h"
+#include "support/AbsentOperator.h"
 #include "support/Goals.h"
 #include "support/RecordingScreen.h"
 #include "support/SimulatedCamera.h"
@@ -30,17 +31,6 @@ constexpr int kPhotoBytes = 1'000'000;
 constexpr int kPatienceMs = 30'000;
 constexpr double kMostAfterDownloadMs = 15;
 constexpr double kLongestGapMs = 16;
-
-// Nobody is there to be asked: alerts go by, questions are never answered.
-class AbsentOperator : public Operator {
- public:
-  void showAlert(const QString& title, const QString& message, std::function<void()>) override {
-    std::fprintf(stderr, "%s: %s\n", qPrintable(title), qPrintable(message));
-  }
-  void ask(const Question&, std::function<void(const Answer&)>) override {}
-  void choosePath(const PathRequest&, std::function<void(const QString&)>) override {}
-  void beep() override {}
-};
 
 template <typename Done>
 void serveUntil(Done&& done, const char* what) {
