@@ -39,12 +39,6 @@ QImage subject(QSize size) {
   return image;
 }
 
-QByteArray contents(const QString& path) {
-  QFile file(path);
-  require(file.open(QIODevice::ReadOnly), "no photo");
-  return file.readAll();
-}
-
 // The library's own decoding at a quarter of the size.
 QSize decodeScaled(const QString& path) {
   const QByteArray bytes = contents(path);
@@ -144,6 +138,12 @@ void measureStepping(Goals& goals, const QString& photo, const QString& folder) 
 }
 
 }  // namespace
+
+QByteArray contents(const QString& path) {
+  QFile file(path);
+  require(file.open(QIODevice::ReadOnly), "no photo");
+  return file.readAll();
+}
 
 QString writePhoto(const QString& folder, QSize size) {
   const QString path = QStringLiteral("%1/%2.jpg").arg(folder).arg(size.width());
