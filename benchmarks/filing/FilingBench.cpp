@@ -2,7 +2,6 @@
 // How fast photos are filed: the whole road through the filing thread, and the file-system work of one photo
 // beside what QDir and QFile take for the same. Ends with 1 when a goal is missed or a photo is not where it
 // belongs.
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -13,8 +12,8 @@
 #include "core/base/PosixFiles.h"
 #include "core/capture/FileNames.h"
 #include "core/capture/NumberedFolder.h"
+#include "support/Benchmark.h"
 #include "support/FilingSession.h"
-#include "support/Goals.h"
 
 namespace ambrel::bench {
 namespace {
@@ -55,8 +54,8 @@ bool allFiled(const QString& target) {
 using FileAll = std::function<void(const Downloads& downloads, const QString& target)>;
 
 // One round in folders of its own, proven afterwards.
-void runRound(const FileAll& fileAll) {
-  const QTemporaryDir folder;
+void runRound(const QString& parent, const FileAll& fileAll) {
+  const QTemporaryDir folder(parent + QStringLiteral("/round-XXXXXX"));
   const QString target = folder.filePath(QStringLiteral("target"));
   require(QDir(folder.path()).mkdir(QStringLiteral("downloads")), "no folder");
   fileAll(makeDownloads(folder.filePath(QStringLiteral("downloads"))), target);
@@ -114,8 +113,8 @@ void withTheSystemAlone(const QString& download, const QString& target, qint64& 
 
 // Adds the microseconds that each photo of a round took.
 template <typename FileOne>
-void timeEach(FileOne fileOne, std::vector<double>& times) {
-  runRound([&](const Downloads& downloads, const QString& target) {
+void timeEach(const QString& folder, FileOne fileOne, std::vector<double>& times) {
+  runRound(folder, [&](const Downloads& downloads, const QString& target) {
     qint64 number = 1;
     for (const QString& path : downloads) {
       times.push_back(1000 * millisecondsOf([&] { fileOne(path, target, number); }));
@@ -123,7 +122,7 @@ void timeEach(FileOne fileOne, std::vector<double>& times) {
   });
 }
 
-int run() {
+void measure(Goals& goals, const QString& folder) {
   // The rounds take turns, so that whatever else the machine does meets all of them alike.
   std::vector<double> road;
   std::vector<double> ours;
@@ -131,27 +130,24 @@ int run() {
   std::vector<double> qtExists;
   std::vector<double> limit;
   for (int round = 0; round < kRounds; ++round) {
-    runRound([&](const Downloads& downloads, const QString& target) {
+    runRound(folder, [&](const Downloads& downloads, const QString& target) {
       road.push_back(millisecondsOf([&] { throughTheSerialThread(downloads, target); }) / kPhotos);
     });
-    timeEach(withOurFileSystemWork, ours);
-    timeEach(withQDirAndQFile, qtListing);
-    timeEach(withQDirExistsAndQFile, qtExists);
-    timeEach(withTheSystemAlone, limit);
+    timeEach(folder, withOurFileSystemWork, ours);
+    timeEach(folder, withQDirAndQFile, qtListing);
+    timeEach(folder, withQDirExistsAndQFile, qtExists);
+    timeEach(folder, withTheSystemAlone, limit);
   }
-  Goals goals;
   goals.atMost("filing a photo, whole road (>= 1,500/s)", road, 1000 / kPhotosPerSecond);
   goals.atMostTimes("file-system work of one photo", ours, "QDir + QFile::rename", qtListing,
                     1 / kTimesFasterThanQt, "us");
   goals.mention("QDir::exists + QFile::rename", qtExists, "us");
   goals.mention("rename alone (with two mkdir)", limit, "us");
-  return goals.exitCode();
 }
 
 }  // namespace
 }  // namespace ambrel::bench
 
 int main(int argc, char** argv) {
-  const QCoreApplication application(argc, argv);
-  return ambrel::bench::run();
+  return ambrel::bench::runBenchmark(argc, argv, ambrel::bench::measure);
 }

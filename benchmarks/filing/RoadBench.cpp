@@ -2,12 +2,9 @@
 // The road of a photo with 100,000 names in the list: from the shutter to the file in its folder and the row
 // counted, beside gphoto2 with a hook script that makes the folder and moves the file; and the main thread
 // during a burst.
-#include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QProcess>
-#include <QTemporaryDir>
 #include <optional>
 
 #include "core/app/AmbrelAppDelegate.h"
@@ -15,12 +12,13 @@
 #include "core/base/PosixFiles.h"
 #include "core/base/SystemClock.h"
 #include "core/worker/ProcessLink.h"
-#include "support/Goals.h"
+#include "support/AbsentOperator.h"
+#include "support/Benchmark.h"
 #include "support/RecordingScreen.h"
 #include "support/SimulatedCamera.h"
+#include "support/TetheredGphoto2.h"
 
-using namespace ambrel;
-
+namespace ambrel::bench {
 namespace {
 
 constexpr int kNames = 100'000;
@@ -31,23 +29,12 @@ constexpr int kPatienceMs = 30'000;
 constexpr double kMostAfterDownloadMs = 15;
 constexpr double kLongestGapMs = 16;
 
-// Nobody is there to be asked: alerts go by, questions are never answered.
-class AbsentOperator : public Operator {
- public:
-  void showAlert(const QString& title, const QString& message, std::function<void()>) override {
-    std::fprintf(stderr, "%s: %s\n", qPrintable(title), qPrintable(message));
-  }
-  void ask(const Question&, std::function<void(const Answer&)>) override {}
-  void choosePath(const PathRequest&, std::function<void(const QString&)>) override {}
-  void beep() override {}
-};
-
 template <typename Done>
 void serveUntil(Done&& done, const char* what) {
   QElapsedTimer elapsed;
   elapsed.start();
   while (!done()) {
-    bench::require(elapsed.elapsed() < kPatienceMs, what);
+    require(elapsed.elapsed() < kPatienceMs, what);
     QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 5);
   }
 }
@@ -69,16 +56,16 @@ void shoot(SimulatedCamera& camera, int count = 1) {
 
 class Session {
  public:
-  explicit Session(const SimulatedCamera& camera) {
+  Session(const SimulatedCamera& camera, const QString& folder) : _home(folder + "/ours") {
     qputenv("AMBREL_CAMERA_PORT", QByteArray::fromStdString(camera.gphotoPort()));
     layOut();
     _app.emplace(_clock, _operator, _files, _link,
                  Surroundings{_locations, Bundle(QStringLiteral(AMBREL_BUNDLE)), [](qint64) {}});
-    QObject::connect(
-        &_app->photoFiler(), &PhotoFiler::filed, &*_app, [this](const QString& path, qint64 row) {
-          bench::require(row == _app->list().selectedRow(), "the photo was counted on another row");
-          filed.append(path);
-        });
+    QObject::connect(&_app->photoFiler(), &PhotoFiler::filed, &*_app,
+                     [this](const QString& path, qint64 row) {
+                       require(row == _app->list().selectedRow(), "the photo was counted on another row");
+                       filed.append(path);
+                     });
     QObject::connect(&_link, &WorkerLink::blockArrived, &*_app, [this](const QByteArray& block) {
       if (block.startsWith("DOWNLOADED|")) _sinceDownloaded.start();
     });
@@ -86,7 +73,7 @@ class Session {
     QObject::connect(&*_app, &AmbrelAppDelegate::watchingConfirmed, &*_app, [&watched] { watched = true; });
     _app->applicationDidFinishLaunching(_screen);
     serveUntil([this] { return _screen.isBuilt(); }, "the application does not start");
-    bench::require(_app->list().grid().rowCount() == kNames, "the list is not whole");
+    require(_app->list().grid().rowCount() == kNames, "the list is not whole");
     _app->connectCameraManual();
     serveUntil([&] { return watched; }, "the camera is not watched");
     watched = false;
@@ -107,9 +94,9 @@ class Session {
 
  private:
   void layOut() {
-    QDir().mkpath(_home.filePath("Photos"));
+    _home.mkpath("Photos");
     QFile names(_home.filePath("names.csv"));
-    bench::require(names.open(QIODevice::WriteOnly), "the list cannot be written");
+    require(names.open(QIODevice::WriteOnly), "the list cannot be written");
     names.write("Name\n");
     for (int i = 0; i < kNames; ++i)
       names.write("Person Number " + QByteArray::number(i) + '\n');
@@ -118,7 +105,7 @@ class Session {
     preferences.setLastTargetDir(_home.filePath("Photos"));
   }
 
-  QTemporaryDir _home;
+  const QDir _home;
   Locations _locations = Locations::below(_home.filePath("home"));
   SystemClock _clock;
   AbsentOperator _operator;
@@ -129,75 +116,63 @@ class Session {
   std::optional<AmbrelAppDelegate> _app;
 };
 
-// gphoto2 in tethered capture with a script that files each photo as we do.
+// gphoto2 with a script that files each photo as we do.
 class Peer {
  public:
-  explicit Peer(const SimulatedCamera& camera) {
-    QFile hook(_folder.filePath("file.sh"));
-    bench::require(hook.open(QIODevice::WriteOnly), "the hook cannot be written");
-    hook.write(
-        "#!/bin/sh\n[ \"$ACTION\" = download ] || exit 0\nmkdir -p \"Person\" && "
-        "mv -n \"$ARGUMENT\" \"Person/Person_$(basename \"$ARGUMENT\")\"\n");
-    hook.setPermissions(QFile::ReadOwner | QFile::ExeOwner | QFile::WriteOwner);
-    hook.close();
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("HOME", _folder.path());
-    environment.insert("LC_ALL", "C");
-    _process.setProcessEnvironment(environment);
-    _process.setWorkingDirectory(_folder.path());
-    _process.start("gphoto2", {"--quiet", "--camera", "PTP/IP Camera", "--port",
-                               QString::fromStdString(camera.gphotoPort()), "--set-config", "capturetarget=1",
-                               "--keep", "--hook-script", hook.fileName(), "--capture-tethered"});
-    bench::require(_process.waitForStarted(), "gphoto2 cannot be started");
-  }
-  ~Peer() {
-    _process.terminate();
-    _process.waitForFinished(3000);
-  }
-  Peer(const Peer&) = delete;
-  Peer& operator=(const Peer&) = delete;
+  Peer(const SimulatedCamera& camera, const QString& folder)
+      : _folder(folder), _gphoto2(camera.gphotoPort(), folder, {"--hook-script", writeHook(folder)}) {}
 
   int filedPhotos() const {
     return static_cast<int>(QDir(_folder.filePath("Person")).entryList(QDir::Files).size());
   }
 
  private:
-  QTemporaryDir _folder;
-  QProcess _process;
+  static QString writeHook(const QString& folder) {
+    QFile hook(folder + ".sh");
+    require(hook.open(QIODevice::WriteOnly), "the hook cannot be written");
+    hook.write(
+        "#!/bin/sh\n[ \"$ACTION\" = download ] || exit 0\nmkdir -p \"Person\" && "
+        "mv -n \"$ARGUMENT\" \"Person/Person_$(basename \"$ARGUMENT\")\"\n");
+    hook.setPermissions(QFile::ReadOwner | QFile::ExeOwner | QFile::WriteOwner);
+    return hook.fileName();
+  }
+
+  const QDir _folder;
+  const TetheredGphoto2 _gphoto2;
 };
 
-std::vector<double> peerTimes() {
+std::vector<double> peerTimes(const QString& folder) {
   SimulatedCamera camera;
-  const Peer peer(camera);
+  const Peer peer(camera, folder + "/peer");
   for (int attempt = 0; attempt < 10 && peer.filedPhotos() == 0; ++attempt) {
     shoot(camera);
     pause(1000);
   }
-  bench::require(peer.filedPhotos() > 0, "gphoto2 files nothing");
+  require(peer.filedPhotos() > 0, "gphoto2 files nothing");
   std::vector<double> times;
   for (int shot = 0; shot < kSingles; ++shot) {
     pause(pauseBefore(shot));
     const int wanted = peer.filedPhotos() + 1;
     shoot(camera);
-    times.push_back(bench::millisecondsOf(
+    times.push_back(millisecondsOf(
         [&] { serveUntil([&] { return peer.filedPhotos() >= wanted; }, "gphoto2 filed no photo"); }));
   }
   return times;
 }
 
-void measureSingles(Session& session, SimulatedCamera& camera, bench::Goals& goals) {
+void measureSingles(Session& session, SimulatedCamera& camera, const QString& folder, Goals& goals) {
   std::vector<double> afterDownload;
   std::vector<double> wholeRoad;
   for (int shot = 0; shot < kSingles; ++shot) {
     pause(pauseBefore(shot));
     shoot(camera);
-    wholeRoad.push_back(bench::millisecondsOf([&] { afterDownload.push_back(session.waitForOne()); }));
+    wholeRoad.push_back(millisecondsOf([&] { afterDownload.push_back(session.waitForOne()); }));
   }
   goals.atMost("worker's report to row counted", afterDownload, kMostAfterDownloadMs);
-  goals.atMostTimes("shutter to filed and counted", wholeRoad, "gphoto2 + hook", peerTimes(), 1.0);
+  goals.atMostTimes("shutter to filed and counted", wholeRoad, "gphoto2 + hook", peerTimes(folder), 1.0);
 }
 
-void measureBurst(Session& session, SimulatedCamera& camera, bench::Goals& goals) {
+void measureBurst(Session& session, SimulatedCamera& camera, Goals& goals) {
   const qsizetype before = session.filed.size();
   shoot(camera, kBurst);
   const EventLoopGaps gaps;
@@ -205,20 +180,22 @@ void measureBurst(Session& session, SimulatedCamera& camera, bench::Goals& goals
   const double longest = gaps.longestGapMs();
   for (qsizetype i = 0; i < session.filed.size(); ++i) {
     const QString number = QStringLiteral("_%1.JPG").arg(i + 1, 4, 10, QLatin1Char('0'));
-    bench::require(session.filed[i].endsWith(number), "the numbers are not consecutive");
-    bench::require(QFile::exists(session.filed[i]), "a filed photo is missing");
+    require(session.filed[i].endsWith(number), "the numbers are not consecutive");
+    require(QFile::exists(session.filed[i]), "a filed photo is missing");
   }
   goals.atMost("longest gap of the main thread, 300 photos", longest, kLongestGapMs);
 }
 
+void measure(Goals& goals, const QString& folder) {
+  SimulatedCamera camera;
+  Session session(camera, folder);
+  measureSingles(session, camera, folder, goals);
+  measureBurst(session, camera, goals);
+}
+
 }  // namespace
+}  // namespace ambrel::bench
 
 int main(int argc, char** argv) {
-  QCoreApplication application(argc, argv);
-  SimulatedCamera camera;
-  Session session(camera);
-  bench::Goals goals;
-  measureSingles(session, camera, goals);
-  measureBurst(session, camera, goals);
-  return goals.exitCode();
+  return ambrel::bench::runBenchmark(argc, argv, ambrel::bench::measure);
 }

@@ -2,14 +2,13 @@
 // 100 MB from a worker without a line end, which a line after them must not have to wait for: the link beside
 // a process whose output is read and thrown away, and beside the toolkit's own search for line ends. Ends
 // with 1 when a goal is missed, with 2 when bytes or the line are lost.
-#include <QCoreApplication>
 #include <QDir>
 #include <QEventLoop>
 #include <QFile>
 #include <QProcess>
 
 #include "core/worker/ProcessLink.h"
-#include "support/Goals.h"
+#include "support/Benchmark.h"
 
 namespace ambrel::bench {
 namespace {
@@ -93,7 +92,7 @@ double megabytesDuring(double (*work)()) {
   return peakMegabytes() - before;
 }
 
-int run() {
+void measure(Goals& goals, const QString&) {
   std::vector<double> ours;
   std::vector<double> peer;
   const double memory = megabytesDuring(throughTheLink);
@@ -101,17 +100,14 @@ int run() {
     ours.push_back(throughTheLink());
     peer.push_back(plain());
   }
-  Goals goals;
   goals.atMostTimes("100 MB without a line end", ours, "readAll", peer, kMostTimesPlain);
   goals.atMost("  memory kept", memory, kMostMegabytes, "MB");
   goals.mention("  canReadLine loop", withCanReadLine());
-  return goals.exitCode();
 }
 
 }  // namespace
 }  // namespace ambrel::bench
 
 int main(int argc, char** argv) {
-  const QCoreApplication application(argc, argv);
-  return ambrel::bench::run();
+  return ambrel::bench::runBenchmark(argc, argv, ambrel::bench::measure);
 }

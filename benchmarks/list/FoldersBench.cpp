@@ -2,10 +2,8 @@
 // Photos of many people on disk: counting those of 10,000 rows beside find(1), again after one folder has
 // changed, and moving 5,000 photos into another folder. Ends with 1 when a goal is missed, with 2 when a
 // count is wrong or a photo is not where it belongs.
-#include <QCoreApplication>
 #include <QDir>
 #include <QProcess>
-#include <QTemporaryDir>
 #include <fcntl.h>
 #include <string>
 #include <sys/stat.h>
@@ -15,7 +13,7 @@
 #include "core/base/PosixFiles.h"
 #include "core/capture/FolderMoves.h"
 #include "core/capture/FolderScan.h"
-#include "support/Goals.h"
+#include "support/Benchmark.h"
 
 namespace ambrel::bench {
 namespace {
@@ -124,22 +122,18 @@ void measureMerge(const std::string& target, Goals& goals) {
   goals.atMost("merge 5,000 photos (>= 1,500/s)", times, kMerged * 1000 / kPhotosPerSecond);
 }
 
-int run() {
-  const QTemporaryDir folder;
-  Goals goals;
-  const std::string people = folder.path().toStdString() + "/people";
-  const std::string merges = folder.path().toStdString() + "/merges";
+void measure(Goals& goals, const QString& folder) {
+  const std::string people = folder.toStdString() + "/people";
+  const std::string merges = folder.toStdString() + "/merges";
   makeFolder(people);
   makeFolder(merges);
   measureCounting(people, goals);
   measureMerge(merges, goals);
-  return goals.exitCode();
 }
 
 }  // namespace
 }  // namespace ambrel::bench
 
 int main(int argc, char** argv) {
-  const QCoreApplication application(argc, argv);
-  return ambrel::bench::run();
+  return ambrel::bench::runBenchmark(argc, argv, ambrel::bench::measure);
 }

@@ -3,17 +3,14 @@
 // paste, a photo counted. Times are processor time of the thread, so that other programs do not count.
 #include <QAbstractListModel>
 #include <QCollator>
-#include <QCoreApplication>
 #include <QFile>
-#include <QFileInfo>
 #include <QProcess>
 #include <QSortFilterProxyModel>
-#include <QTemporaryDir>
 #include <algorithm>
 #include <sys/resource.h>
 
 #include "core/base/Text.h"
-#include "support/Goals.h"
+#include "support/Benchmark.h"
 #include "support/ListSession.h"
 
 namespace ambrel::bench {
@@ -304,23 +301,21 @@ void measureManyRows(Goals& goals, Session& session) {
   goals.atMost("key press, p99", percentile(keyPresses(list, 1), 99), 50);
 }
 
+void measure(Goals& goals, const QString& folder) {
+  QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+  Session session(folder);
+  const std::vector<Row> rows = peopleWithNotes(kRows);
+  std::printf("%d names with notes\n", kRows);
+  measureSearch(goals, session, rows, folder);
+  measureSort(goals, session, rows, folder);
+  measureEdits(goals, session, rows);
+  std::printf("%d names with notes\n", kManyRows);
+  measureManyRows(goals, session);
+}
+
 }  // namespace
 }  // namespace ambrel::bench
 
 int main(int argc, char** argv) {
-  using namespace ambrel::bench;
-  const QCoreApplication application(argc, argv);
-  QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
-  const QTemporaryDir folder(QStringLiteral("bench-list-XXXXXX"));
-  const QString absolute = QFileInfo(folder.path()).absoluteFilePath();
-  Goals goals;
-  Session session(absolute);
-  const std::vector<ambrel::Row> rows = peopleWithNotes(kRows);
-  std::printf("%d names with notes\n", kRows);
-  measureSearch(goals, session, rows, absolute);
-  measureSort(goals, session, rows, absolute);
-  measureEdits(goals, session, rows);
-  std::printf("%d names with notes\n", kManyRows);
-  measureManyRows(goals, session);
-  return goals.exitCode();
+  return ambrel::bench::runBenchmark(argc, argv, ambrel::bench::measure);
 }

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // How long the list store takes to write and to read, and a large list to import.
-#include <QCoreApplication>
 #include <QFile>
 #include <QSaveFile>
-#include <QTemporaryDir>
 #include <QTextStream>
 #include <fcntl.h>
 #include <fstream>
@@ -18,7 +16,7 @@
 #include "core/list/GridText.h"
 #include "core/list/ListStore.h"
 #include "core/list/NameList.h"
-#include "support/Goals.h"
+#include "support/Benchmark.h"
 
 namespace ambrel::bench {
 namespace {
@@ -120,8 +118,6 @@ Import measureImport(const QString& folder, const QString& file) {
   require(pipe(ends) == 0, "pipe");
   const pid_t child = fork();
   if (child == 0) {
-    int argc = 0;
-    const QCoreApplication application(argc, nullptr);
     PosixFiles files;
     SystemClock clock;
     StatusLine statusLine(clock, [] { return Readiness{}; });
@@ -181,14 +177,14 @@ void measureImports(Goals& goals, const QString& folder) {
   goals.atMostTimes("peak of memory", peak, "file", megabytes, 6, "MB");
 }
 
+void measure(Goals& goals, const QString& folder) {
+  measureImports(goals, folder);
+  measureStore(goals, folder);
+}
+
 }  // namespace
 }  // namespace ambrel::bench
 
-int main() {
-  // Below the build folder: a folder for temporary files may be memory, where a flush costs nothing.
-  const QTemporaryDir folder(QStringLiteral("bench-store-XXXXXX"));
-  ambrel::bench::Goals goals;
-  ambrel::bench::measureImports(goals, folder.path());
-  ambrel::bench::measureStore(goals, folder.path());
-  return goals.exitCode();
+int main(int argc, char** argv) {
+  return ambrel::bench::runBenchmark(argc, argv, ambrel::bench::measure);
 }

@@ -39,12 +39,6 @@ QImage subject(QSize size) {
   return image;
 }
 
-QByteArray contents(const QString& path) {
-  QFile file(path);
-  require(file.open(QIODevice::ReadOnly), "no photo");
-  return file.readAll();
-}
-
 // The library's own decoding at a quarter of the size.
 QSize decodeScaled(const QString& path) {
   const QByteArray bytes = contents(path);
@@ -139,11 +133,17 @@ void measureStepping(Goals& goals, const QString& photo, const QString& folder) 
     return pane.label().endsWith(last);
   });
   require(arrived && seen.size() > 3, "photos are missing");
-  goals.mention("  photos seen of 59 steps", static_cast<double>(seen.size()), "");
   goals.atMost("longest gap while stepping, 45 MP", static_cast<double>(heartbeat.longestGap().count()), 16);
+  goals.mention("  photos seen of 59 steps", static_cast<double>(seen.size()), "");
 }
 
 }  // namespace
+
+QByteArray contents(const QString& path) {
+  QFile file(path);
+  require(file.open(QIODevice::ReadOnly), "no photo");
+  return file.readAll();
+}
 
 QString writePhoto(const QString& folder, QSize size) {
   const QString path = QStringLiteral("%1/%2.jpg").arg(folder).arg(size.width());

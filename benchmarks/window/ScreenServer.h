@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <sys/types.h>
+#include <QProcess>
 
 namespace ambrel::bench {
 
@@ -15,7 +15,7 @@ class ScreenServer {
   ScreenServer& operator=(const ScreenServer&) = delete;
 
  private:
-  pid_t _pid = -1;
+  QProcess _server;
 };
 
 }  // namespace ambrel::bench

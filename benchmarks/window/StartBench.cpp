@@ -2,22 +2,28 @@
 #include "window/StartBench.h"
 
 #include <QProcess>
+#include <cmath>
 #include <string>
 #include <vector>
 
 #include "core/app/AmbrelAppDelegate.h"
 #include "core/base/PosixFiles.h"
 #include "core/list/ListStore.h"
+#include "support/EndWithParent.h"
 
 namespace ambrel::bench {
 namespace {
 
-constexpr int kStarts = 30;
+// As many as the figures take to come to rest: the splash costs more than a second each time.
+constexpr std::size_t kFewestStarts = 9;
+constexpr std::size_t kMostStarts = 21;
+constexpr double kAtRest = 0.015;
 
 // What the starts of one program took, in milliseconds until its window was painted.
 struct Starts {
   void measure(const QString& path, const QStringList& arguments, double splash = 0) {
     QProcess program;
+    endWithParent(program);
     const double taken = millisecondsOf([&] {
       program.start(path, arguments);
       require(program.waitForReadyRead(20000), "nothing was painted");
@@ -28,6 +34,10 @@ struct Starts {
     require(program.exitCode() == 0, "the program failed");
     elapsed.push_back(taken - splash);
     ofMainThread.push_back(said.mid(8).trimmed().toDouble());
+  }
+  // Whether more starts would hardly move the median.
+  bool isAtRest() const {
+    return Sample(elapsed).spread / std::sqrt(static_cast<double>(elapsed.size())) < kAtRest;
   }
   std::vector<double> elapsed;
   std::vector<double> ofMainThread;  // processor time
@@ -65,7 +75,12 @@ void measureStarts(Goals& goals, const QString& folder) {
   Starts withNames;
   Starts windowAtOnce;
   Starts withNamesAtOnce;
-  for (int round = 0; round < kStarts; ++round) {
+  const auto enough = [&] {
+    if (window.elapsed.size() < kFewestStarts) return false;
+    return window.elapsed.size() == kMostStarts ||
+           (window.isAtRest() && withNames.isAtRest() && minimal.isAtRest());
+  };
+  while (!enough()) {
     window.measure(ours, {empty, QStringLiteral("0")}, kSplash);
     minimal.measure(peer, {QStringLiteral("Text")});
     withNames.measure(ours, {full, names}, kSplash);

@@ -9,10 +9,10 @@
 
 #include "support/EventLoop.h"
 #include "support/Goals.h"
+#include "support/ProcessUse.h"
 #include "ui/Appearance.h"
 #include "ui/FontsAhead.h"
 #include "window/Application.h"
-#include "window/ProcessUse.h"
 
 namespace ambrel::bench {
 namespace {

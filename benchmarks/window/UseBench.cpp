@@ -9,9 +9,10 @@
 
 #include "core/base/Locations.h"
 #include "core/base/Preferences.h"
+#include "support/EndWithParent.h"
+#include "support/ProcessUse.h"
 #include "support/SimulatedCamera.h"
 #include "window/PreviewBench.h"
-#include "window/ProcessUse.h"
 #include "window/StartBench.h"
 
 namespace ambrel::bench {
@@ -27,6 +28,7 @@ constexpr double kMegabyte = 1024 * 1024;
 class Started {
  public:
   Started(const QString& home, int rows, const QStringList& task) {
+    endWithParent(_process);
     _process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     _process.start(QStringLiteral(AMBREL_STARTED_WINDOW), QStringList{home, QString::number(rows)} + task);
     waitFor("painted");

@@ -2,13 +2,13 @@
 // How soon the window is there, how fast the list follows the keys, and how long a photo takes to be seen.
 #include <QApplication>
 #include <QKeyEvent>
-#include <QTemporaryDir>
 #include <algorithm>
-#include <filesystem>
 
+#include "support/Benchmark.h"
 #include "support/EventLoop.h"
 #include "ui/Appearance.h"
 #include "window/Application.h"
+#include "window/BurstBench.h"
 #include "window/PreviewBench.h"
 #include "window/ScreenServer.h"
 #include "window/StartBench.h"
@@ -19,7 +19,6 @@ namespace {
 
 constexpr int kRows = kNamesInWindow;
 constexpr int kSteps = 600;
-constexpr int kBurst = 300;
 
 // Hears when a widget has been painted.
 class PaintWatch : public QObject {
@@ -99,78 +98,19 @@ void measureList(Goals& goals, const QString& home) {
   measureTyping(goals, app);
 }
 
-// Photos as fast as they can be filed, with the window, the preview and the backup at work on them.
-void measureBurst(Goals& goals, const QString& home) {
-  storePeople(home);
-  const QDir root(home);
-  for (const char* name : {"Photos", "Copies", "Downloads"})
-    require(root.mkpath(QLatin1String(name)), "no folders");
-  Preferences preferences(Locations::below(home).preferencesFile);
-  preferences.setLastTargetDir(root.filePath(QStringLiteral("Photos")));
-  preferences.setBackupDir(root.filePath(QStringLiteral("Copies")));
-  preferences.setBackupEnabled(true);
-  preferences.synchronize();
-  const QString photo = writePhoto(home, {1800, 1200});
-  std::vector<QString> downloads;
-  for (int i = 0; i < kBurst; ++i) {
-    downloads.push_back(root.filePath(QStringLiteral("Downloads/IMG_%1.JPG").arg(i)));
-    std::filesystem::create_hard_link(photo.toStdString(), downloads.back().toStdString());
-  }
-  ClockAfterSplash clock;
-  Application app(home, clock);
-  require(runEventsUntil([&] { return app.window.isBuilt() && app.delegate.backup().isEnabled(); }),
-          "no window");
-  const auto photosIn = [&](const char* name) {
-    return QDir(root.filePath(QLatin1String(name)) + QStringLiteral("/Person Number 0"))
-        .entryList(QDir::Files)
-        .size();
-  };
-  // Which of them, all of one age, is the last in the list is left open.
-  const QString all = QStringLiteral("/%1)").arg(kBurst);
-  const Heartbeat heartbeat;
-  for (const QString& path : downloads)
-    app.delegate.photoFiler().handleDownloadedPath(path);
-  const auto allShown = [&] { return app.window.rightPane()->label().endsWith(all); };
-  require(runEventsUntil([&] { return allShown() && app.delegate.backup().state().queued == 0; },
-                         std::chrono::minutes(3)),
-          "the burst did not end");
-  require(photosIn("Photos") == kBurst && photosIn("Copies") == kBurst, "photos are missing");
-  require(app.delegate.list().grid().capturedForModelRow(0) == kBurst, "photos were not counted");
-  goals.atMost("longest gap, 300 photos with preview and backup",
-               static_cast<double>(heartbeat.longestGap().count()), 16);
-
-  // The backup alone, of photos that are in their places.
-  require(QDir(root.filePath(QStringLiteral("Copies/Person Number 0"))).removeRecursively(), "no copies");
-  const Heartbeat duringBackup;
-  for (const QFileInfo& filed :
-       QDir(root.filePath(QStringLiteral("Photos/Person Number 0"))).entryInfoList(QDir::Files))
-    app.delegate.backup().backupSavedFile(filed.absoluteFilePath());
-  require(runEventsUntil([&] { return app.delegate.backup().state().queued == 0; }, std::chrono::minutes(3)),
-          "the backup did not end");
-  require(photosIn("Copies") == kBurst, "copies are missing");
-  goals.atMost("longest gap, 300 photos backed up", static_cast<double>(duringBackup.longestGap().count()),
-               16);
-}
-
-int run() {
-  const QTemporaryDir folder(QStringLiteral("bench-window-XXXXXX"));
-  Goals goals;
-  const QString absolute = QDir(folder.path()).absolutePath();
-  measureStarts(goals, absolute);
+void measure(Goals& goals, const QString& folder) {
+  measureStarts(goals, folder);
   ui::applyApplicationAppearance(*qApp);
-  measureList(goals, absolute + QStringLiteral("/full"));
-  measurePreview(goals, folder.path());
-  measureBurst(goals, absolute + QStringLiteral("/burst"));
-  measureUse(goals, absolute);
-  return goals.exitCode();
+  measureList(goals, folder + QStringLiteral("/full"));
+  measurePreview(goals, folder);
+  measureBursts(goals, folder);
+  measureUse(goals, folder);
 }
 
 }  // namespace
 }  // namespace ambrel::bench
 
 int main(int argc, char** argv) {
-  // Static, so that it ends as well where the benchmark does not come to its end.
-  static const ambrel::bench::ScreenServer screen;
-  const QApplication application(argc, argv);
-  return ambrel::bench::run();
+  const ambrel::bench::ScreenServer screen;
+  return ambrel::bench::runBenchmark<QApplication>(argc, argv, ambrel::bench::measure);
 }

@@ -1,25 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <cerrno>
-#include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <spawn.h>
+#include <stdexcept>
 #include <string>
-#include <sys/wait.h>
 #include <thread>
-#include <unistd.h>
 #include <vector>
 
-#include "support/Goals.h"
+#include "support/Benchmark.h"
 #include "support/SimulatedCamera.h"
-#include "support/TemporaryFolder.h"
+#include "support/TetheredGphoto2.h"
 #include "support/WorkerProcess.h"
 
-extern char** environ;
-
+namespace ambrel::bench {
 namespace {
 
-using namespace ambrel;
 using std::chrono::milliseconds;
 
 constexpr int kShots = 11;
@@ -49,34 +43,17 @@ double idlePercent(pid_t pid) {
   return (nanoseconds() - before) / 1e4 / static_cast<double>(kIdleMeasured.count());
 }
 
-// gphoto2 in tethered capture, keeping the photos on the card as the worker does.
 class Peer {
  public:
-  explicit Peer(const SimulatedCamera& camera) {
-    const std::string command = "cd '" + _folder.path() + "' && HOME='" + _folder.path() +
-                                "' exec gphoto2 --quiet --camera 'PTP/IP Camera' --port " +
-                                camera.gphotoPort() +
-                                " --set-config capturetarget=1 --keep --force-overwrite --capture-tethered"
-                                " >/dev/null 2>&1 </dev/null";
-    std::vector<std::string> words{"/bin/sh", "-c", command};
-    std::vector<char*> pointers{words[0].data(), words[1].data(), words[2].data(), nullptr};
-    bench::require(posix_spawn(&_pid, "/bin/sh", nullptr, nullptr, pointers.data(), environ) == 0,
-                   "gphoto2 cannot be started");
-  }
-  ~Peer() {
-    kill(_pid, SIGINT);
-    while (waitpid(_pid, nullptr, 0) < 0 && errno == EINTR) {
-    }
-  }
-  Peer(const Peer&) = delete;
-  Peer& operator=(const Peer&) = delete;
+  Peer(const SimulatedCamera& camera, const QString& folder)
+      : _folder(folder.toStdString()), _gphoto2(camera.gphotoPort(), folder, {"--force-overwrite"}) {}
 
-  pid_t pid() const { return _pid; }
+  pid_t pid() const { return _gphoto2.pid(); }
   // False when the photo does not come in time.
   bool waitFor(const SimulatedPhoto& photo, milliseconds patience) const {
     const auto until = std::chrono::steady_clock::now() + patience;
     std::error_code error;
-    while (std::filesystem::file_size(_folder.file(photo.name), error) != photo.size || error) {
+    while (std::filesystem::file_size(_folder / photo.name, error) != photo.size || error) {
       if (std::chrono::steady_clock::now() > until) return false;
       std::this_thread::sleep_for(std::chrono::microseconds(200));
     }
@@ -84,8 +61,8 @@ class Peer {
   }
 
  private:
-  test::TemporaryFolder _folder;
-  pid_t _pid = -1;
+  const std::filesystem::path _folder;
+  const TetheredGphoto2 _gphoto2;
 };
 
 std::vector<double> ourTimes(SimulatedCamera& camera, WorkerProcess& worker, std::size_t bytes) {
@@ -93,7 +70,7 @@ std::vector<double> ourTimes(SimulatedCamera& camera, WorkerProcess& worker, std
   for (int shot = 0; shot < kShots; ++shot) {
     pauseBeforeShot(shot);
     shoot(camera, bytes);
-    times.push_back(bench::millisecondsOf([&] { worker.waitFor("DOWNLOADED|"); }));
+    times.push_back(millisecondsOf([&] { worker.waitFor("DOWNLOADED|"); }));
   }
   return times;
 }
@@ -109,8 +86,8 @@ std::vector<double> peerTimes(SimulatedCamera& camera, const Peer& peer, std::si
     photo.name =
         "IMG_" + std::string(4 - std::to_string(number).size(), '0') + std::to_string(number) + ".JPG";
     shoot(camera, bytes);
-    times.push_back(bench::millisecondsOf(
-        [&] { bench::require(peer.waitFor(photo, milliseconds(20000)), "gphoto2 saved no photo"); }));
+    times.push_back(
+        millisecondsOf([&] { require(peer.waitFor(photo, milliseconds(20000)), "gphoto2 saved no photo"); }));
   }
   return times;
 }
@@ -120,20 +97,20 @@ void waitUntilPeerWatches(SimulatedCamera& camera, const Peer& peer) {
     shoot(camera, 50'000);
     if (peer.waitFor(camera.photos().back(), milliseconds(1000))) return;
   }
-  bench::require(false, "gphoto2 does not watch the camera");
+  require(false, "gphoto2 does not watch the camera");
 }
 
-int measure() {
-  bench::Goals goals;
+void measureWorkers(Goals& goals, const QString& folder) {
   SimulatedCamera camera;
   const std::vector<std::size_t> sizes{1'000'000, 10'000'000, 30'000'000};
-  std::vector<bench::Sample> ours;
+  std::vector<Sample> ours;
   double idle = 0;
   double watching = 0;
   double resting = 0;
   {
-    const test::TemporaryFolder folder;
-    WorkerProcess worker({folder.path(), camera.gphotoPort()});
+    const std::string photos = folder.toStdString() + "/ours";
+    require(std::filesystem::create_directory(photos), "no folder");
+    WorkerProcess worker({photos, camera.gphotoPort()});
     worker.connect();
     idle = idlePercent(worker.pid());
     worker.watch();
@@ -142,7 +119,7 @@ int measure() {
     for (const std::size_t size : sizes)
       ours.emplace_back(ourTimes(camera, worker, size));
   }
-  const Peer peer(camera);
+  const Peer peer(camera, folder + "/peer");
   waitUntilPeerWatches(camera, peer);
   for (std::size_t i = 0; i < sizes.size(); ++i) {
     const std::string what = "photo of " + std::to_string(sizes[i] / 1'000'000) + " MB, announced to saved";
@@ -152,16 +129,19 @@ int measure() {
   goals.atMost("watching and no photo, percent of a core", resting, kMostIdlePercent, "% ");
   goals.mention("  in the first five seconds", watching, "% ");
   goals.mention("gphoto2 watching and no photo", idlePercent(peer.pid()), "% ");
-  return goals.exitCode();
+}
+
+void measure(Goals& goals, const QString& folder) {
+  try {
+    measureWorkers(goals, folder);
+  } catch (const std::runtime_error& error) {
+    require(false, error.what());
+  }
 }
 
 }  // namespace
+}  // namespace ambrel::bench
 
-int main() {
-  try {
-    return measure();
-  } catch (const std::runtime_error& error) {
-    bench::require(false, error.what());
-  }
-  return EXIT_FAILURE;
+int main(int argc, char** argv) {
+  return ambrel::bench::runBenchmark(argc, argv, ambrel::bench::measure);
 }

@@ -6,20 +6,30 @@
 namespace ambrel::ui {
 
 // A library that is loaded when it is first needed: what only some photos need must not hold up the window.
-// It then stays loaded.
+// It then stays loaded. A class for each library derives from it, with a member for each function used.
 class NamedLibrary {
  public:
+  // Whether the library is there and has every function that was looked for.
+  bool isWhole() const { return _whole; }
+
+ protected:
+  // Becomes a pointer to a function of the type that is wanted of it.
+  struct Address {
+    template <typename Function>
+    operator Function*() const {  // NOLINT(google-explicit-constructor)
+      return reinterpret_cast<Function*>(pointer);
+    }
+    QFunctionPointer pointer;
+  };
+
   // `version`: of its binary interface.
   NamedLibrary(const QString& name, int version) : _library(name, version) {}
-
-  // Finds a function by its name; null where the library is missing or lacks it.
-  template <typename Function>
-  void find(Function*& function, const char* name) {
-    function = reinterpret_cast<Function*>(_library.resolve(name));
-    _whole = _whole && function != nullptr;
+  // Null where the library is missing or lacks the function.
+  Address find(const char* function) {
+    const Address found{_library.resolve(function)};
+    _whole = _whole && found.pointer;
+    return found;
   }
-  // Whether everything was found.
-  bool isWhole() const { return _whole; }
 
  private:
   QLibrary _library;

@@ -5,7 +5,6 @@
 #include <QFileInfo>
 #include <libraw/libraw.h>
 #include <memory>
-#include <optional>
 
 #include "ui/JpegDecoder.h"
 #include "ui/NamedLibrary.h"
@@ -15,25 +14,14 @@ namespace ambrel::ui {
 namespace {
 
 // The functions used of LibRaw.
-struct RawLibrary {
-  decltype(&libraw_init) init = nullptr;
-  decltype(&libraw_close) close = nullptr;
-  decltype(&libraw_open_file) open_file = nullptr;
-  decltype(&libraw_unpack_thumb) unpack_thumb = nullptr;
-  decltype(&libraw_strerror) strerror = nullptr;
+struct RawLibrary : NamedLibrary {
+  RawLibrary() : NamedLibrary(QStringLiteral("raw_r"), LIBRAW_SHLIB_CURRENT) {}
+  const decltype(&libraw_init) init = find("libraw_init");
+  const decltype(&libraw_close) close = find("libraw_close");
+  const decltype(&libraw_open_file) open_file = find("libraw_open_file");
+  const decltype(&libraw_unpack_thumb) unpack_thumb = find("libraw_unpack_thumb");
+  const decltype(&libraw_strerror) strerror = find("libraw_strerror");
 };
-
-// None where the library is missing or lacks one of them.
-std::optional<RawLibrary> loadRawLibrary() {
-  NamedLibrary library(QStringLiteral("raw_r"), LIBRAW_SHLIB_CURRENT);
-  RawLibrary raw;
-  library.find(raw.init, "libraw_init");
-  library.find(raw.close, "libraw_close");
-  library.find(raw.open_file, "libraw_open_file");
-  library.find(raw.unpack_thumb, "libraw_unpack_thumb");
-  library.find(raw.strerror, "libraw_strerror");
-  return library.isWhole() ? std::optional(raw) : std::nullopt;
-}
 
 using RawFile = std::unique_ptr<libraw_data_t, decltype(&libraw_close)>;
 
@@ -77,14 +65,15 @@ Result<QImage> bitmapPreview(const libraw_thumbnail_t& preview, QSize fit) {
 }  // namespace
 
 Result<QImage> decodeRawPreview(const QString& path, QSize fit) {
-  const std::optional<RawLibrary> library = loadRawLibrary();
-  if (!library) return Failure{QStringLiteral("Raw files cannot be shown: LibRaw is not installed.")};
-  const RawFile raw(library->init(LIBRAW_OPTIONS_NONE), library->close);
+  const RawLibrary library;
+  if (!library.isWhole())
+    return Failure{QStringLiteral("Raw files cannot be shown: LibRaw is not installed.")};
+  const RawFile raw(library.init(LIBRAW_OPTIONS_NONE), library.close);
   if (!raw) return failureOf("Out of memory");
-  int error = library->open_file(raw.get(), QFile::encodeName(path).constData());
+  int error = library.open_file(raw.get(), QFile::encodeName(path).constData());
   if (error == LIBRAW_SUCCESS && !holdsWholePreview(*raw, path)) error = LIBRAW_IO_ERROR;
-  if (error == LIBRAW_SUCCESS) error = library->unpack_thumb(raw.get());
-  if (error != LIBRAW_SUCCESS) return failureOf(library->strerror(error));
+  if (error == LIBRAW_SUCCESS) error = library.unpack_thumb(raw.get());
+  if (error != LIBRAW_SUCCESS) return failureOf(library.strerror(error));
 
   const libraw_thumbnail_t& preview = raw->thumbnail;
   const QImageIOHandler::Transformations held = transformationOf(raw->sizes.flip);

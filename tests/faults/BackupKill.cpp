@@ -23,6 +23,7 @@
 #include "core/base/PosixFiles.h"
 #include "core/base/SystemClock.h"
 #include "faults/KillFolders.h"
+#include "support/AbsentOperator.h"
 
 namespace ambrel {
 namespace {
@@ -34,15 +35,13 @@ constexpr int kLargestPhoto = 300'000;
 // Half of the kills strike early: a fast disk takes no longer for all of the photos.
 constexpr std::array<std::int64_t, 2> kLongestDelaysMicroseconds = {25'000, 100'000};
 
-class NobodyAsks : public Operator {
+// Nothing is wrong with the drive.
+class NothingToTell : public AbsentOperator {
  public:
-  void showAlert(const QString&, const QString& message, std::function<void()>) override {
-    std::fprintf(stderr, "alert: %s\n", message.toUtf8().constData());
-    std::exit(3);  // nothing is wrong with the drive
+  void showAlert(const QString& title, const QString& message, std::function<void()> dismissed) override {
+    AbsentOperator::showAlert(title, message, std::move(dismissed));
+    std::exit(3);
   }
-  void ask(const Question&, std::function<void(const Answer&)>) override {}
-  void choosePath(const PathRequest&, std::function<void(const QString&)>) override {}
-  void beep() override {}
 };
 
 QString photoName(int number) {
@@ -57,7 +56,7 @@ int backUp(int argc, char** argv) {
   const int firstPhoto = std::atoi(argv[3]);
   static PosixFiles files;
   SystemClock clock;
-  NobodyAsks nobody;
+  NothingToTell nobody;
   const Locations locations = Locations::below(folders.home);
   Preferences preferences(locations.preferencesFile);
   StatusLine statusLine(clock, [] { return Readiness{}; });

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <dirent.h>
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <new>
 #include <pthread.h>
@@ -15,6 +13,7 @@
 #include <unistd.h>
 
 #include "faults/FaultPlan.h"
+#include "support/InterposedOpen.h"
 
 namespace ambrel::faults {
 namespace {
@@ -41,11 +40,6 @@ struct OpenFile {
   char path[kPathBytes];
 };
 OpenFile openFiles[kDescriptors];
-
-template <typename Function>
-Function real(const char* name) {
-  return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
-}
 
 bool isInHome(const char* path) {
   return path && std::strncmp(path, home, homeLength) == 0 &&
@@ -207,7 +201,7 @@ void remember(int descriptor, const char* path, bool written) {
 }
 
 template <typename Act>
-int openFile(const char* path, int flags, Act act) {
+int openFile(int, const char* path, int flags, Act act) {
   const bool changes = (flags & (O_WRONLY | O_RDWR | O_CREAT | O_TRUNC)) != 0;
   const int descriptor = changes ? change("open", path, nullptr, act) : look("open", path, -1, act);
   const int error = errno;
@@ -335,6 +329,7 @@ const char* nameOfError(int error) {
 }  // namespace ambrel::faults
 
 using namespace ambrel::faults;
+using ambrel::real;
 
 extern "C" {
 
@@ -345,29 +340,10 @@ int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*
   return start ? call(thread, attributes, runNumbered, start) : EAGAIN;
 }
 
-#define AMBREL_OPEN(NAME)                                                       \
-  int NAME(const char* path, int flags, ...) {                                  \
-    static const auto call = real<int (*)(const char*, int, mode_t)>(#NAME);    \
-    va_list arguments;                                                          \
-    va_start(arguments, flags);                                                 \
-    const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0; \
-    va_end(arguments);                                                          \
-    return openFile(path, flags, [&] { return call(path, flags, mode); });      \
-  }
-AMBREL_OPEN(open)
-AMBREL_OPEN(open64)
-
-#define AMBREL_OPENAT(NAME)                                                        \
-  int NAME(int folder, const char* path, int flags, ...) {                         \
-    static const auto call = real<int (*)(int, const char*, int, mode_t)>(#NAME);  \
-    va_list arguments;                                                             \
-    va_start(arguments, flags);                                                    \
-    const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;    \
-    va_end(arguments);                                                             \
-    return openFile(path, flags, [&] { return call(folder, path, flags, mode); }); \
-  }
-AMBREL_OPENAT(openat)
-AMBREL_OPENAT(openat64)
+AMBREL_INTERPOSE_OPEN(open, openFile)
+AMBREL_INTERPOSE_OPEN(open64, openFile)
+AMBREL_INTERPOSE_OPENAT(openat, openFile)
+AMBREL_INTERPOSE_OPENAT(openat64, openFile)
 
 int close(int descriptor) {
   static const auto call = real<int (*)(int)>("close");

@@ -20,6 +20,7 @@
 #include "core/app/AmbrelAppDelegate.h"
 #include "core/base/PosixFiles.h"
 #include "faults/KillFolders.h"
+#include "support/AbsentOperator.h"
 #include "support/LongWait.h"
 #include "support/RecordingScreen.h"
 #include "support/TestClock.h"
@@ -30,16 +31,6 @@ namespace {
 
 constexpr int kPhotos = 8;
 constexpr int kLongestDelayMicroseconds = 40'000;
-
-class NobodyAsks : public Operator {
- public:
-  void showAlert(const QString& title, const QString& message, std::function<void()>) override {
-    std::fprintf(stderr, "%s: %s\n", qPrintable(title), qPrintable(message));
-  }
-  void ask(const Question&, std::function<void(const Answer&)>) override {}
-  void choosePath(const PathRequest&, std::function<void(const QString&)>) override {}
-  void beep() override {}
-};
 
 // Ends the process around the n-th photo that is moved; 0 for never.
 class EndingFiles : public PosixFiles {
@@ -76,7 +67,7 @@ class Launch {
 
  private:
   TestClock _clock;
-  NobodyAsks _operator;
+  AbsentOperator _operator;
   EndingFiles _files;
   TestLink _link;
   RecordingScreen _screen;

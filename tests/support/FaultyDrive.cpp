@@ -14,11 +14,9 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
-#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <string_view>
 #include <sys/stat.h>
@@ -27,7 +25,11 @@
 #include <time.h>
 #include <unistd.h>
 
+#include "support/InterposedOpen.h"
+
 namespace {
+
+using ambrel::real;
 
 enum class Mode { Ok, Hang, Gone, Short, Full, Error, Stale, Nearly };
 
@@ -37,11 +39,6 @@ enum class Act { Look, Open, Make, Change, Write, Flush };
 constexpr std::array<std::string_view, 8> kWords = {"ok",   "hang",  "gone",  "short",
                                                     "full", "error", "stale", "nearly"};
 constexpr fsblkcnt_t kLittleRoom = 64UL << 20;  // bytes
-
-template <typename Function>
-Function real(const char* name) {
-  return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
-}
 
 bool isBelow(const char* path, std::string_view folder) {
   return std::strncmp(path, folder.data(), folder.size()) == 0;
@@ -121,8 +118,10 @@ bool fails(Mode mode, Act act) {
   return error != 0;
 }
 
-Act actOfOpen(int flags) {
-  return (flags & O_CREAT) != 0 ? Act::Make : Act::Open;
+template <typename Call>
+int openFile(int folder, const char* path, int flags, Call call) {
+  const Act act = (flags & O_CREAT) != 0 ? Act::Make : Act::Open;
+  return fails(modeOf(folder, path), act) ? -1 : call();
 }
 
 template <typename Status>
@@ -137,31 +136,10 @@ int tellOfLittleRoom(Mode mode, int answer, Status* status) {
 
 extern "C" {
 
-#define AMBREL_OPEN(NAME)                                                        \
-  int NAME(const char* path, int flags, ...) {                                   \
-    static const auto call = real<int (*)(const char*, int, mode_t)>(#NAME);     \
-    va_list arguments;                                                           \
-    va_start(arguments, flags);                                                  \
-    const bool creates = (flags & (O_CREAT | O_TMPFILE)) != 0;                   \
-    const mode_t mode = creates ? va_arg(arguments, mode_t) : 0;                 \
-    va_end(arguments);                                                           \
-    return fails(modeOf(path), actOfOpen(flags)) ? -1 : call(path, flags, mode); \
-  }
-AMBREL_OPEN(open)
-AMBREL_OPEN(open64)
-
-#define AMBREL_OPENAT(NAME)                                                                      \
-  int NAME(int folder, const char* path, int flags, ...) {                                       \
-    static const auto call = real<int (*)(int, const char*, int, mode_t)>(#NAME);                \
-    va_list arguments;                                                                           \
-    va_start(arguments, flags);                                                                  \
-    const bool creates = (flags & (O_CREAT | O_TMPFILE)) != 0;                                   \
-    const mode_t mode = creates ? va_arg(arguments, mode_t) : 0;                                 \
-    va_end(arguments);                                                                           \
-    return fails(modeOf(folder, path), actOfOpen(flags)) ? -1 : call(folder, path, flags, mode); \
-  }
-AMBREL_OPENAT(openat)
-AMBREL_OPENAT(openat64)
+AMBREL_INTERPOSE_OPEN(open, openFile)
+AMBREL_INTERPOSE_OPEN(open64, openFile)
+AMBREL_INTERPOSE_OPENAT(openat, openFile)
+AMBREL_INTERPOSE_OPENAT(openat64, openFile)
 
 int stat(const char* path, struct stat* status) {
   static const auto call = real<int (*)(const char*, struct stat*)>("stat");

@@ -15,6 +15,7 @@
 #include "core/backup/Backup.h"
 #include "core/base/PosixFiles.h"
 #include "core/base/SystemClock.h"
+#include "support/AbsentOperator.h"
 #include "support/EventLoop.h"
 
 namespace ambrel {
@@ -39,14 +40,6 @@ void say(const QByteArray& line) {
   std::fflush(stdout);
 }
 
-class SilentOperator : public Operator {
- public:
-  void showAlert(const QString&, const QString&, std::function<void()>) override {}
-  void ask(const Question&, std::function<void(const Answer&)>) override {}
-  void choosePath(const PathRequest&, std::function<void(const QString&)>) override {}
-  void beep() override {}
-};
-
 void makePhoto(const QString& path, int number) {
   QFile file(path);
   QByteArray bytes(100'000 + number * 997, static_cast<char>('a' + number % 26));
@@ -62,7 +55,7 @@ int run(int argc, char** argv) {
   QDir().mkpath(target + "/Bob");
   static PosixFiles files;
   HurriedClock clock;
-  SilentOperator nobody;
+  AbsentOperator nobody;
   const Locations locations = Locations::below(home);
   Preferences preferences(locations.preferencesFile);
   preferences.setBackupDir(home + "/Copies");

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "window/ProcessUse.h"
+#include "support/ProcessUse.h"
 
 #include <QDir>
 #include <QFile>
