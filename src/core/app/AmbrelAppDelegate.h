@@ -61,7 +61,8 @@ class AmbrelAppDelegate : public QObject {
  public:
   static constexpr std::chrono::milliseconds kSplashTime{1150};
   static constexpr std::chrono::milliseconds kReleaseCheckDelay{3000};  // after the window is built
-  static constexpr std::chrono::milliseconds kTimeForPhotosWhenQuitting{2000};
+  // Of the two seconds that quitting may take; the rest is for what follows.
+  static constexpr std::chrono::milliseconds kTimeForPhotosWhenQuitting{1700};
   static constexpr std::chrono::seconds kSaveAgainPeriod{20};  // a list that could not be saved
 
   AmbrelAppDelegate(Clock& clock, Operator& operatorSeam, Files& files, WorkerLink& link,
