@@ -22,7 +22,7 @@ namespace ambrel {
 // that others keep busy holds up even a rename, for which no caller waits long.
 class ListStore {
  public:
-  static constexpr std::chrono::milliseconds kLongestWait{8};  // half a frame
+  static constexpr std::chrono::milliseconds kLongestWait{4};  // a quarter of a frame
 
   ListStore(Files& files, const Locations& locations, std::chrono::milliseconds longestWait = kLongestWait);
 
