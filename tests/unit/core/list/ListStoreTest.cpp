@@ -23,6 +23,22 @@ class ListStoreTest : public ListFixture {
   NameGrid grid;
 };
 
+// Nothing is written before the disk goes on.
+class ListStoreOnABusyDisk : public ListStoreTest {
+ protected:
+  ListStoreOnABusyDisk() { files.hesitatesUntil = &goesOn; }
+  bool add(const char* name) {
+    grid.append({name});
+    return impatient.save(grid);
+  }
+  void letTheDiskGoOn() {
+    goesOn.count_down();
+    impatient.finishWriting();
+  }
+  std::latch goesOn{1};
+  ListStore impatient{files, locations, std::chrono::milliseconds(0)};
+};
+
 TEST_F(ListStoreTest, LiesInTheFolderOfTheApplication) {
   EXPECT_EQ(store.gridStorePath(),
             locations.applicationSupport + QStringLiteral("/Ambrel Tether/ambrel_grid.csv"));
@@ -158,58 +174,37 @@ TEST_F(ListStoreTest, HasWrittenWhenItReturnsAndFlushesBehindOnAnotherThread) {
   EXPECT_NE(files.flushingThread.load(), files.replacingThread.load());
 }
 
-TEST_F(ListStoreTest, DoesNotWaitForADiskThatHesitates) {
-  std::latch gate(1);
-  files.hesitatesUntil = &gate;
-  ListStore impatient(files, locations, std::chrono::milliseconds(0));
-  grid.append({"Anna"});
-  EXPECT_TRUE(impatient.save(grid));
+TEST_F(ListStoreOnABusyDisk, IsNotWaitedFor) {
+  EXPECT_TRUE(add("Anna"));
   EXPECT_FALSE(impatient.exists());
-  gate.count_down();
-  impatient.finishWriting();
+  letTheDiskGoOn();
   EXPECT_EQ(impatient.load(), (Rows{{"Anna", "", "0", ""}}));
 }
 
-TEST_F(ListStoreTest, WritesTheLastListThatCameWhileTheDiskHesitated) {
-  std::latch gate(1);
-  files.hesitatesUntil = &gate;
-  ListStore impatient(files, locations, std::chrono::milliseconds(0));
-  for (const char* name : {"Anna", "Ben", "Cara"}) {
-    grid.append({name});
-    EXPECT_TRUE(impatient.save(grid));
-  }
-  gate.count_down();
-  impatient.finishWriting();
+TEST_F(ListStoreOnABusyDisk, WritesTheLastListThatCameMeanwhile) {
+  for (const char* name : {"Anna", "Ben", "Cara"})
+    EXPECT_TRUE(add(name));
+  letTheDiskGoOn();
   EXPECT_EQ(impatient.load(), (Rows{{"Anna", "", "0", ""}, {"Ben", "", "0", ""}, {"Cara", "", "0", ""}}));
   EXPECT_LE(files.replacements, 2);
 }
 
-TEST_F(ListStoreTest, TellsOfAHesitantDiskThatFailsInTheEnd) {
-  std::latch gate(1);
-  files.hesitatesUntil = &gate;
+TEST_F(ListStoreOnABusyDisk, TellsAfterwardsThatItFailed) {
   files.fail = true;
-  ListStore impatient(files, locations, std::chrono::milliseconds(0));
-  grid.append({"Anna"});
-  EXPECT_TRUE(impatient.save(grid));
+  EXPECT_TRUE(add("Anna"));
   EXPECT_FALSE(impatient.isUnsaved());
-  gate.count_down();
-  impatient.finishWriting();
+  letTheDiskGoOn();
   EXPECT_TRUE(impatient.isUnsaved());
   files.fail = false;
-  EXPECT_TRUE(impatient.save(grid));
+  EXPECT_TRUE(add("Ben"));
   impatient.finishWriting();
   EXPECT_FALSE(impatient.isUnsaved());
 }
 
-TEST_F(ListStoreTest, RemovesTheFileAlsoWhileAHesitantDiskStillWritesIt) {
-  std::latch gate(1);
-  files.hesitatesUntil = &gate;
-  ListStore impatient(files, locations, std::chrono::milliseconds(0));
-  grid.append({"Anna"});
-  EXPECT_TRUE(impatient.save(grid));
+TEST_F(ListStoreOnABusyDisk, RemovesTheFileThatIsStillBeingWritten) {
+  EXPECT_TRUE(add("Anna"));
   impatient.remove();
-  gate.count_down();
-  impatient.finishWriting();
+  letTheDiskGoOn();
   EXPECT_FALSE(impatient.exists());
 }
 
