@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
-// How fast photos reach the backup, durably, beside rsync and cp; what the queue costs the main thread; and
-// what filing notices of a backup that runs or hangs.
+// How fast photos reach the backup, durably, beside rsync, cp and the limit of the disk; what the queue costs
+// the main thread; and what filing notices of a backup that runs or hangs.
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <array>
 #include <atomic>
+#include <cstdlib>
 #include <fcntl.h>
-#include <fstream>
+#include <memory>
 #include <numeric>
 #include <optional>
 #include <semaphore>
@@ -24,8 +26,9 @@
 #include "core/base/SystemClock.h"
 #include "core/base/ThreadPriority.h"
 #include "support/AbsentOperator.h"
+#include "support/Benchmark.h"
 #include "support/FilingSession.h"
-#include "support/Goals.h"
+#include "support/ProcessUse.h"
 
 namespace ambrel::bench {
 namespace {
@@ -148,8 +151,48 @@ void sendThroughBackup(const Photos& photos, const QString& folder, const QStrin
   require(left && left.value().isEmpty(), "not all of the queue was copied");
 }
 
-void measureCopies(Goals& goals, const QString& folder, const Photos& photos, double timesRsync,
-                   double timesCp) {
+// The bytes of a photo past the system's memory to the disk, which is what `dd oflag=direct` does.
+void copyDirectly(const QString& from, const QString& to) {
+  constexpr std::size_t kSector = 512;
+  constexpr std::size_t kPiece = 1 << 20;
+  const std::unique_ptr<void, decltype(&std::free)> piece(std::aligned_alloc(4096, kPiece), std::free);
+  const int in = ::open(QFile::encodeName(from).constData(), O_RDONLY | O_CLOEXEC);
+  const int out =
+      ::open(QFile::encodeName(to).constData(), O_WRONLY | O_CREAT | O_EXCL | O_DIRECT | O_CLOEXEC, 0666);
+  require(in >= 0 && out >= 0, "nothing to copy, or not directly");
+  ssize_t size = 0;
+  while ((size = ::read(in, piece.get(), kPiece)) > 0) {
+    const auto bytes = static_cast<std::size_t>(size);
+    require(bytes % kSector == 0 && ::write(out, piece.get(), bytes) == size, "not written directly");
+  }
+  require(size == 0, "not read");
+  ::close(in);
+  ::close(out);
+}
+
+// What no copy on this disk gets below: nothing but the bytes, by as many at once as it takes them fastest
+// from.
+void copyAtTheLimit(const Photos& photos, const QString& from, const QString& to) {
+  require(QDir(to).mkpath(QStringLiteral("Bob")), "no folder");
+  std::atomic<int> next = 0;
+  std::array<std::thread, 4> copiers;
+  for (std::thread& copier : copiers) {
+    copier = std::thread([&] {
+      for (int i = next++; i < photos.count; i = next++)
+        copyDirectly(photoPath(from, i), photoPath(to, i));
+    });
+  }
+  for (std::thread& copier : copiers)
+    copier.join();
+}
+
+struct CopyGoals {
+  double timesRsync;
+  std::optional<double> timesCp = {};
+  bool besideTheDisk = false;
+};
+
+void measureCopies(Goals& goals, const QString& folder, const Photos& photos, const CopyGoals& wanted) {
   makePhotos(folder + QStringLiteral("/from"), photos);
   const CopyAll ours = [&photos](const QString& from, const QString& to) { copyOurs(photos, from, to); };
   const CopyAll wholeRoad = [&](const QString& from, const QString& to) {
@@ -157,6 +200,9 @@ void measureCopies(Goals& goals, const QString& folder, const Photos& photos, do
   };
   const CopyAll rsync = [](const QString& from, const QString& to) {
     run(QStringLiteral("rsync"), {"-a", "--whole-file", "--fsync", from + '/', to + '/'});
+  };
+  const CopyAll limit = [&photos](const QString& from, const QString& to) {
+    copyAtTheLimit(photos, from, to);
   };
   const CopyAll copyAndSync = [](const QString& from, const QString& to) {
     run(QStringLiteral("cp"), {"-r", from + QStringLiteral("/Bob"), to});
@@ -166,28 +212,28 @@ void measureCopies(Goals& goals, const QString& folder, const Photos& photos, do
   std::vector<double> wholeRoadTimes;
   std::vector<double> rsyncTimes;
   std::vector<double> cpTimes;
+  std::vector<double> limitTimes;
   for (int round = 0; round < kRounds; ++round) {
     oursTimes.push_back(timeOf(ours, folder, photos));
     wholeRoadTimes.push_back(timeOf(wholeRoad, folder, photos));
     rsyncTimes.push_back(timeOf(rsync, folder, photos));
-    if (timesCp > 0) cpTimes.push_back(timeOf(copyAndSync, folder, photos));
+    if (wanted.timesCp) cpTimes.push_back(timeOf(copyAndSync, folder, photos));
+    if (wanted.besideTheDisk) limitTimes.push_back(timeOf(limit, folder, photos));
   }
   const std::string what = std::to_string(photos.count) + " x " + std::to_string(photos.bytes / 1000) + " KB";
-  goals.atMostTimes(what + ", durable", median(oursTimes), "rsync --fsync", median(rsyncTimes),
-                    1 / timesRsync);
-  if (timesCp > 0)
-    goals.atMostTimes(what + ", durable", median(oursTimes), "cp + sync", median(cpTimes), 1 / timesCp);
-  goals.mention("  with the queue, behind other programs", median(wholeRoadTimes));
+  goals.atMostTimes(what + ", durable", oursTimes, "rsync --fsync", rsyncTimes, 1 / wanted.timesRsync);
+  if (wanted.timesCp)
+    goals.atMostTimes(what + ", durable", oursTimes, "cp + sync", cpTimes, 1 / *wanted.timesCp);
+  if (wanted.besideTheDisk)
+    goals.mention(what + ", durable", oursTimes, "limit: O_DIRECT, no flush", limitTimes);
+  goals.mention(what + ", with the queue, behind other programs", wholeRoadTimes);
   QDir(folder + QStringLiteral("/from")).removeRecursively();
 }
 
 // ---- The queue
 
 double residentMegabytes() {
-  std::ifstream statistics("/proc/self/statm");
-  double pages = 0;
-  statistics >> pages >> pages;
-  return pages * 4096 / 1e6;
+  return static_cast<double>(residentBytes(QCoreApplication::applicationPid())) / 1e6;
 }
 
 void measureQueue(Goals& goals, const QString& folder) {
@@ -216,11 +262,10 @@ void measureQueue(Goals& goals, const QString& folder) {
   const Result<QStringList> stored = readQueueFile(locations.dataFile(QStringLiteral("backup_queue.plist")));
   require(stored && stored.value().size() == kQueued && stored.value().first() == photoPath(folder, 1'000),
           "the queue is not in its file");
-  std::sort(times.begin(), times.end());
   const double mean = std::accumulate(times.begin(), times.end(), 0.0) / static_cast<double>(times.size());
   goals.atMost("main thread per queue write at 5,000, mean", mean, 1);
   goals.mention("  median", median(times));
-  goals.mention("  p99, other programs on the core included", times[times.size() * 99 / 100]);
+  goals.mention("  p99, other programs on the core included", percentile(times, 99));
   goals.atMost("memory that 1,000 more photos cost", memory, 5, "MB");
 }
 
@@ -341,11 +386,6 @@ void fileBeside(BackupAtWork work, const QString& folder, std::vector<double>& t
   hanging.letGo();
 }
 
-double p99(std::vector<double> times) {
-  std::sort(times.begin(), times.end());
-  return times[times.size() * 99 / 100];
-}
-
 void measureFiling(Goals& goals, const QString& folder) {
   makePhotos(folder + QStringLiteral("/busy"), {kBusyPhotos, kBusyPhotoBytes});
   std::vector<double> off;
@@ -361,27 +401,28 @@ void measureFiling(Goals& goals, const QString& folder) {
     fileBeside(BackupAtWork::PlainCopier, folder, plain);
   }
   goals.mention("filing with backup off, median", median(off));
-  goals.mention("filing with backup off, p99", p99(off));
+  goals.mention("filing with backup off, p99", percentile(off, 99));
   goals.mention("filing beside an idle backup, median", median(idle));
   goals.mention("filing beside a running backup, median", median(running));
   goals.mention("filing beside a plain copier (copy, fdatasync), median", median(plain));
-  goals.atMostTimes("filing beside a running backup, p99", p99(running), "an idle one", p99(idle), 1.1);
-  goals.atMostTimes("filing beside a running backup, p99", p99(running), "a plain copier", p99(plain), 1.1);
-  goals.atMostTimes("filing beside a hung backup, p99", p99(hung), "an idle one", p99(idle), 1.1);
+  goals.atMostTimes("filing beside a running backup, p99", percentile(running, 99), "an idle one",
+                    percentile(idle, 99), 1.1);
+  goals.atMostTimes("filing beside a running backup, p99", percentile(running, 99), "a plain copier",
+                    percentile(plain, 99), 1.1);
+  goals.atMostTimes("filing beside a hung backup, p99", percentile(hung, 99), "an idle one",
+                    percentile(idle, 99), 1.1);
+}
+
+void measure(Goals& goals, const QString& folder) {
+  measureQueue(goals, folder);
+  measureFiling(goals, folder);
+  measureCopies(goals, folder, {250, 8'000'000}, {.timesRsync = 1.4, .timesCp = 0.9, .besideTheDisk = true});
+  measureCopies(goals, folder, {5'000, 100'000}, {.timesRsync = 1.0});
 }
 
 }  // namespace
 }  // namespace ambrel::bench
 
 int main(int argc, char** argv) {
-  const QCoreApplication application(argc, argv);
-  // Below the build folder: a folder for temporary files may be memory, where a flush costs nothing.
-  const QTemporaryDir folder(QStringLiteral("bench-backup-XXXXXX"));
-  const QString path = QDir(folder.path()).absolutePath();
-  ambrel::bench::Goals goals;
-  ambrel::bench::measureQueue(goals, path);
-  ambrel::bench::measureFiling(goals, path);
-  ambrel::bench::measureCopies(goals, path, {250, 8'000'000}, 1.4, 0.9);
-  ambrel::bench::measureCopies(goals, path, {5'000, 100'000}, 1.0, 0);
-  return goals.exitCode();
+  return ambrel::bench::runBenchmark(argc, argv, ambrel::bench::measure);
 }

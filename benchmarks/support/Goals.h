@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -117,6 +118,14 @@ class Goals {
     std::printf("%-44s      %10.2f %s%s\n", what.c_str(), value.middle, unit, spreadOf(value).c_str());
     record({.what = what, .ours = value, .unit = unit, .figure = value.middle});
   }
+  // `ours` beside a limit or peer that no goal is set against.
+  void mention(const std::string& what, const Sample& ours, const std::string& peerName, const Sample& peer,
+               const char* unit = "ms") {
+    const double ratio = ours.middle / peer.middle;
+    std::printf("%-44s ours %10.2f %s%s   %s %10.2f %s%s   ratio %5.2f\n", what.c_str(), ours.middle, unit,
+                spreadOf(ours).c_str(), peerName.c_str(), peer.middle, unit, spreadOf(peer).c_str(), ratio);
+    record({.what = what, .ours = ours, .unit = unit, .peerName = peerName, .peer = peer, .figure = ratio});
+  }
   int exitCode() const { return _missed ? 1 : 0; }
 
  private:
@@ -138,7 +147,9 @@ class Goals {
     return text;
   }
 
-  static void record(const Record& record) {
+  void record(const Record& record) {
+    // A later line of the same name would take its place in every table.
+    require(_recorded.insert(record.what + '\n' + record.peerName).second, "two lines have one name");
     const char* path = std::getenv("AMBREL_BENCH_RESULTS");
     std::FILE* file = path ? std::fopen(path, "a") : nullptr;
     if (!file) {
@@ -162,6 +173,7 @@ class Goals {
     return met ? "" : "   MISSED";
   }
   bool _missed = false;
+  std::set<std::string> _recorded;
 };
 
 }  // namespace ambrel::bench
