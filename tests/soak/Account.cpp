@@ -33,7 +33,6 @@ bool isAllowed(const std::string& path) {
                                                   "/names.csv",
                                                   "/diary",
                                                   "/home/preferences.ini",
-                                                  "/home/preferences.ini.lock",
                                                   "/home/data/Ambrel Tether/ambrel_grid.csv",
                                                   "/home/data/Ambrel Tether/backup_queue.plist"};
   // A store or a queue that could not be read for a while is kept aside.

@@ -11,7 +11,6 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
-constexpr int kPersons = 600;
 constexpr int kPersonsOfLastYear = 12;
 constexpr milliseconds kBetweenShots{100};
 // Of the length: then everything shall be shot.

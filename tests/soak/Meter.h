@@ -24,7 +24,7 @@ class Meter {
   void tick(pid_t worker);
   // The day is over; what comes now is not the application's.
   void stop() { _stopped = true; }
-  // Of the application at this moment.
+  // How many a process has open at this moment; 0: this one.
   static int descriptors(pid_t process = 0);
 
   struct Memory {

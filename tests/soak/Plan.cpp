@@ -13,7 +13,6 @@ using std::chrono::milliseconds;
 
 constexpr double kPhotosPerMinute = 300;
 constexpr std::size_t kLongestBurst = 10;
-constexpr int kPersons = 600;
 constexpr double kFaultsPerMinute = 2;
 constexpr std::size_t kFewestFaults = 6;
 constexpr double kRestartsPerMinute = 0.4;

@@ -26,6 +26,8 @@ constexpr std::size_t shotOfSize(std::size_t size) {
   return (size - kSmallestPhoto) / kBetweenSizes;
 }
 
+constexpr int kPersons = 600;  // in the list in the morning
+
 struct Burst {
   int person = 0;  // a row of the list, modulo its length
   std::size_t firstShot = 0;

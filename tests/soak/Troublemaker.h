@@ -27,7 +27,6 @@ class Troublemaker {
 
  private:
   void signalWorker(int number);
-  void pullCable(unsigned choice);
   void setDrive(const QByteArray& mode, const QString& folder = {});
   QString dataFolder() const { return _places.home + QStringLiteral("/data"); }
 
