@@ -133,8 +133,8 @@ void measureStepping(Goals& goals, const QString& photo, const QString& folder) 
     return pane.label().endsWith(last);
   });
   require(arrived && seen.size() > 3, "photos are missing");
-  goals.mention("  photos seen of 59 steps", static_cast<double>(seen.size()), "");
   goals.atMost("longest gap while stepping, 45 MP", static_cast<double>(heartbeat.longestGap().count()), 16);
+  goals.mention("  photos seen of 59 steps", static_cast<double>(seen.size()), "");
 }
 
 }  // namespace
