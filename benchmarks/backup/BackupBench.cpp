@@ -88,6 +88,24 @@ class FolderChooser : public AbsentOperator {
   const QString _folder;
 };
 
+// A backup as the application has it, of the photos in `target` into `copies`.
+struct BackupSession {
+  BackupSession(Files& files, const QString& home, const QString& target, const QString& copies)
+      : locations(Locations::below(home)),
+        chooser(copies),
+        backup(clock, chooser, files, statusLine, preferences, locations,
+               {.targetDir = [target] { return target; },
+                .isImageFileName = [](const QString&) { return true; }},
+               {}) {}
+
+  Locations locations;
+  SystemClock clock;
+  FolderChooser chooser;
+  Preferences preferences{locations.preferencesFile};
+  StatusLine statusLine{clock, [] { return Readiness{}; }};
+  Backup backup;
+};
+
 // ---- Copies
 
 // A way to bring everything in one folder into another, on the disk.
@@ -133,20 +151,14 @@ void waitUntilEmpty(const Backup& backup) {
 void sendThroughBackup(const Photos& photos, const QString& folder, const QString& from, const QString& to) {
   const QTemporaryDir home(folder + QStringLiteral("/road-XXXXXX"));
   PosixFiles files;
-  SystemClock clock;
-  FolderChooser nobody(to);
-  const Locations locations = Locations::below(home.path());
-  Preferences preferences(locations.preferencesFile);
-  StatusLine statusLine(clock, [] { return Readiness{}; });
   {
-    Backup backup(clock, nobody, files, statusLine, preferences, locations,
-                  {.targetDir = [&] { return from; }, .isImageFileName = [](const QString&) { return true; }},
-                  {});
-    backup.chooseBackupFolder();
+    BackupSession session(files, home.path(), from, to);
+    session.backup.chooseBackupFolder();
     for (int i = 0; i < photos.count; ++i)
-      backup.backupSavedFile(photoPath(from, i));
-    waitUntilEmpty(backup);
+      session.backup.backupSavedFile(photoPath(from, i));
+    waitUntilEmpty(session.backup);
   }
+  const Locations locations = Locations::below(home.path());
   const Result<QStringList> left = readQueueFile(locations.dataFile(QStringLiteral("backup_queue.plist")));
   require(left && left.value().isEmpty(), "not all of the queue was copied");
 }
@@ -343,15 +355,9 @@ void fileBeside(BackupAtWork work, const QString& folder, std::vector<double>& t
   QDir().mkpath(copies);
   PosixFiles files;
   HangingFiles hanging;
-  SystemClock clock;
-  FolderChooser nobody(copies);
-  const Locations locations = Locations::below(home.path());
-  Preferences preferences(locations.preferencesFile);
-  StatusLine statusLine(clock, [] { return Readiness{}; });
   const QString busyFolder = folder + QStringLiteral("/busy");
-  Backup backup(
-      clock, nobody, work == BackupAtWork::Hung ? hanging : files, statusLine, preferences, locations,
-      {.targetDir = [&] { return busyFolder; }, .isImageFileName = [](const QString&) { return true; }}, {});
+  BackupSession copying(work == BackupAtWork::Hung ? hanging : files, home.path(), busyFolder, copies);
+  Backup& backup = copying.backup;
   FilingSession session(target, [&] { return witnessOf(backup); });
   PhotoFiler& filer = session.filer;
   int filed = 0;
