@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <array>
 #include <atomic>
 #include <cstdlib>
 #include <fcntl.h>
@@ -87,6 +88,24 @@ class FolderChooser : public AbsentOperator {
   const QString _folder;
 };
 
+// A backup as the application has it, of the photos in `target` into `copies`.
+struct BackupSession {
+  BackupSession(Files& files, const QString& home, const QString& target, const QString& copies)
+      : locations(Locations::below(home)),
+        chooser(copies),
+        backup(clock, chooser, files, statusLine, preferences, locations,
+               {.targetDir = [target] { return target; },
+                .isImageFileName = [](const QString&) { return true; }},
+               {}) {}
+
+  Locations locations;
+  SystemClock clock;
+  FolderChooser chooser;
+  Preferences preferences{locations.preferencesFile};
+  StatusLine statusLine{clock, [] { return Readiness{}; }};
+  Backup backup;
+};
+
 // ---- Copies
 
 // A way to bring everything in one folder into another, on the disk.
@@ -132,20 +151,14 @@ void waitUntilEmpty(const Backup& backup) {
 void sendThroughBackup(const Photos& photos, const QString& folder, const QString& from, const QString& to) {
   const QTemporaryDir home(folder + QStringLiteral("/road-XXXXXX"));
   PosixFiles files;
-  SystemClock clock;
-  FolderChooser nobody(to);
-  const Locations locations = Locations::below(home.path());
-  Preferences preferences(locations.preferencesFile);
-  StatusLine statusLine(clock, [] { return Readiness{}; });
   {
-    Backup backup(clock, nobody, files, statusLine, preferences, locations,
-                  {.targetDir = [&] { return from; }, .isImageFileName = [](const QString&) { return true; }},
-                  {});
-    backup.chooseBackupFolder();
+    BackupSession session(files, home.path(), from, to);
+    session.backup.chooseBackupFolder();
     for (int i = 0; i < photos.count; ++i)
-      backup.backupSavedFile(photoPath(from, i));
-    waitUntilEmpty(backup);
+      session.backup.backupSavedFile(photoPath(from, i));
+    waitUntilEmpty(session.backup);
   }
+  const Locations locations = Locations::below(home.path());
   const Result<QStringList> left = readQueueFile(locations.dataFile(QStringLiteral("backup_queue.plist")));
   require(left && left.value().isEmpty(), "not all of the queue was copied");
 }
@@ -172,12 +185,11 @@ void copyDirectly(const QString& from, const QString& to) {
 // What no copy on this disk gets below: nothing but the bytes, by as many at once as it takes them fastest
 // from.
 void copyAtTheLimit(const Photos& photos, const QString& from, const QString& to) {
-  constexpr int kAtOnce = 4;
   require(QDir(to).mkpath(QStringLiteral("Bob")), "no folder");
   std::atomic<int> next = 0;
-  std::vector<std::thread> copiers;
-  for (int copier = 0; copier < kAtOnce; ++copier) {
-    copiers.emplace_back([&] {
+  std::array<std::thread, 4> copiers;
+  for (std::thread& copier : copiers) {
+    copier = std::thread([&] {
       for (int i = next++; i < photos.count; i = next++)
         copyDirectly(photoPath(from, i), photoPath(to, i));
     });
@@ -378,15 +390,9 @@ void fileBeside(BackupAtWork work, const QString& folder, FilingTimes& times) {
   QDir().mkpath(copies);
   PosixFiles files;
   HangingFiles hanging;
-  SystemClock clock;
-  FolderChooser nobody(copies);
-  const Locations locations = Locations::below(home.path());
-  Preferences preferences(locations.preferencesFile);
-  StatusLine statusLine(clock, [] { return Readiness{}; });
   const QString busyFolder = folder + QStringLiteral("/busy");
-  Backup backup(
-      clock, nobody, work == BackupAtWork::Hung ? hanging : files, statusLine, preferences, locations,
-      {.targetDir = [&] { return busyFolder; }, .isImageFileName = [](const QString&) { return true; }}, {});
+  BackupSession copying(work == BackupAtWork::Hung ? hanging : files, home.path(), busyFolder, copies);
+  Backup& backup = copying.backup;
   FilingSession session(target, [&] { return witnessOf(backup); });
   PhotoFiler& filer = session.filer;
   Echo echo;

@@ -16,14 +16,6 @@ namespace {
 
 constexpr std::size_t kMinDigits = 4;
 
-std::string parentOf(const std::string& path) {
-  return path.substr(0, path.rfind('/'));
-}
-
-std::string nameOf(const std::string& path) {
-  return path.substr(path.rfind('/') + 1);
-}
-
 std::string numbered(std::string_view prefix, qint64 number, std::string_view extension) {
   std::string digits = std::to_string(number);
   digits.insert(0, kMinDigits - std::min(kMinDigits, digits.size()), '0');
@@ -96,6 +88,14 @@ RenameOutcome rename(Files& files, const std::string& folder, const std::string&
 
 }  // namespace
 
+std::string nameOf(const std::string& path) {
+  return path.substr(path.rfind('/') + 1);
+}
+
+std::string renamedPath(const std::string& path, const std::string& newName) {
+  return path.substr(0, path.rfind('/') + 1) + newName;
+}
+
 std::vector<FileMove> movesOfMerge(const ListedFolder& source, const ListedFolder& destination,
                                    std::string_view newName) {
   qint64 number = maxNumberedIndex(destination.entries, newName);
@@ -129,7 +129,7 @@ Result<std::string> checkedFolderName(const std::string& folder, const QString& 
 
 RenameOutcome renameFolderFSAt(Files& files, const std::string& folder, const std::string& sanitisedName,
                                const RenameWatch& watch) {
-  const std::string destination = parentOf(folder) + '/' + sanitisedName;
+  const std::string destination = renamedPath(folder, sanitisedName);
   return pathExists(destination) ? merge(files, folder, destination, watch)
                                  : rename(files, folder, destination, watch);
 }

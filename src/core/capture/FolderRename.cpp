@@ -143,9 +143,8 @@ void FolderRename::startMirroring() {
       for (const Mirrored& mirrored : folders) {
         if (watch.stop() || !pathExists(mirrored.folder)) continue;
         renameFolderFSAt(files, mirrored.folder, mirrored.newName, watch);
-        const std::size_t slash = mirrored.folder.rfind('/');
-        removeUnfinishedCopies(files, mirrored.folder.substr(0, slash + 1) + mirrored.newName,
-                               mirrored.folder.substr(slash + 1), suffix);
+        removeUnfinishedCopies(files, renamedPath(mirrored.folder, mirrored.newName), nameOf(mirrored.folder),
+                               suffix);
       }
       mainThread.tell([this] { Q_EMIT backupFollowed(); });
     });
@@ -201,7 +200,7 @@ MoveDialog FolderRename::dialogFor(qint64 modelRow, const std::optional<QString>
     tagSuffixes.append(tag.suffix);
   QStringList folderNames;
   for (const std::string& path : _folders.foldersForRowName(ns_to_std(folderName)))
-    folderNames.append(path_to_ns(path.substr(path.rfind('/') + 1)));
+    folderNames.append(path_to_ns(nameOf(path)));
 
   const QString target = _desk.targetDir();
   for (const QString& suffix : candidateSuffixes(tagSuffixes, folderName, folderNames)) {
