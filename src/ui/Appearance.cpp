@@ -95,10 +95,10 @@ QString applicationStyleSheet(const Palette& palette) {
     QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0; }
     QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }
     QToolTip { background: %panel; color: %text; border: 1px solid %border; padding: 4px 6px; }
-    QTableView { background: %card; border: 1px solid %border; border-top-color: %card;
-                 border-bottom-color: %card; }
+    QTableView { background: %card; border: 1px solid %border; }
     QTableView:focus { border: 1px solid %brand; }
     QHeaderView { background: %panel; border: none; }
+    QWidget#headerEnd { background: %panel; border: none; border-bottom: 1px solid %border; }
     QHeaderView::section { background: %panel; color: %secondary; border: none;
                            border-bottom: 1px solid %border; padding: 0 8px; font-weight: 600; }
     QCheckBox { color: %text; spacing: 7px; }
