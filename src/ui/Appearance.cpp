@@ -86,6 +86,7 @@ QString applicationStyleSheet(const Palette& palette) {
     QMenu::separator { height: 1px; background: %border; margin: 5px 8px; }
     QMenu::indicator { left: 5px; width: 12px; height: 12px; }
     QMenu::indicator:checked { image: url(:/ambrel/symbols/check.svg); }
+    QMenu::indicator:checked:selected { image: url(:/ambrel/symbols/check_white.svg); }
     QScrollBar:vertical { background: transparent; width: 12px; margin: 0; }
     QScrollBar:horizontal { background: transparent; height: 12px; margin: 0; }
     QScrollBar::handle { background: %scroll; border-radius: 4px; margin: 2px; }
@@ -101,12 +102,13 @@ QString applicationStyleSheet(const Palette& palette) {
     QWidget#headerEnd { background: %panel; border: none; border-bottom: 1px solid %border; }
     QHeaderView::section { background: %panel; color: %secondary; border: none;
                            border-bottom: 1px solid %border; padding: 0 8px; font-weight: 600; }
-    QCheckBox { color: %text; spacing: 7px; }
+    QCheckBox { color: %text; spacing: 7px; border: 1px solid transparent; border-radius: 6px;
+                padding-left: 2px; }
+    QCheckBox:focus { border-color: %brand; }
     QCheckBox::indicator { width: 15px; height: 15px; border: 1px solid %lightgray; border-radius: 4px;
                            background: %field; }
     QCheckBox::indicator:checked { background: %brand; border-color: %brand;
                                    image: url(:/ambrel/symbols/check_white.svg); }
-    QCheckBox::indicator:focus { border-color: %brand; }
     QDialog { background: %background; }
     QPushButton { background: %brand; color: white; border: none; border-radius: 10px;
                   padding: 7px 16px; font-weight: 600; min-width: 60px; }
