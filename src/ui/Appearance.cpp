@@ -110,6 +110,9 @@ QString applicationStyleSheet(const Palette& palette) {
     QCheckBox::indicator:checked { background: %brand; border-color: %brand;
                                    image: url(:/ambrel/symbols/check_white.svg); }
     QDialog { background: %background; }
+    QFileDialog QSplitter::handle { image: none; }
+    QFileDialog QListView, QFileDialog QTreeView { padding: 3px; border-radius: 9px; }
+    QFileDialog QListView::item, QFileDialog QTreeView::item { height: 24px; }
     QPushButton { background: %brand; color: white; border: none; border-radius: 10px;
                   padding: 7px 16px; font-weight: 600; min-width: 60px; }
     QPushButton#secondaryButton { background: %gray; }
