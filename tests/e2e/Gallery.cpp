@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QProcess>
+#include <QTemporaryDir>
 #include <cstdio>
 
 #include "e2e/GalleryStage.h"
@@ -33,6 +34,16 @@ int paintAtEveryScale(const QString& program, const QString& folder) {
   return 0;
 }
 
+// A screen without a device, large enough for every window and what opens beside it.
+void useScreenOf(double scale, const QString& description) {
+  QFile file(description);
+  if (!file.open(QIODevice::WriteOnly)) qFatal("cannot write %s", qPrintable(description));
+  file.write(R"({"screens": [{"name": "gallery", "x": 0, "y": 0, "width": 5200, "height": 3600,
+                              "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})");
+  qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + description.toLocal8Bit());
+  qputenv("QT_SCALE_FACTOR", QByteArray::number(scale));
+}
+
 }  // namespace
 }  // namespace ambrel::ui
 
@@ -44,8 +55,10 @@ int main(int argc, char** argv) {
   const QString folder = QDir(QString::fromLocal8Bit(argv[1])).absolutePath();
   if (!QDir().mkpath(folder)) return 1;
   if (argc == 2) return ambrel::ui::paintAtEveryScale(QString::fromLocal8Bit(argv[0]), folder);
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  qputenv("QT_SCALE_FACTOR", argv[2]);
+  const QTemporaryDir temporary;
+  // The toolkit remembers how its choosers looked last.
+  qputenv("XDG_CONFIG_HOME", temporary.path().toLocal8Bit());
+  ambrel::ui::useScreenOf(QByteArray(argv[2]).toDouble(), temporary.filePath(QStringLiteral("screens.json")));
   QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
   ambrel::ui::applyApplicationAppearance(application);

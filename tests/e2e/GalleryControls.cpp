@@ -125,7 +125,8 @@ void takePointerPictures(std::vector<Picture>& pictures) {
                       }});
   pictures.push_back({"tool_tips", [](Stage& stage, const QString& name) {
                         stage.fill(people());
-                        stage.shoot(name, nullptr, {openToolTip(stage.window.topPanel()->gearButton())});
+                        stage.shoot(name, nullptr,
+                                    {openToolTip(stage.button(QStringLiteral("Clear the search box")))});
                         stage.shoot(name + QStringLiteral("_long"), nullptr,
                                     {openToolTip(stage.button(QStringLiteral("Show: All")))});
                         QToolTip::hideText();

@@ -15,6 +15,7 @@ namespace {
 
 // A home with five tags, two of them on.
 Locations prepareHome(const QString& path) {
+  if (!QDir().mkpath(path)) qFatal("cannot make %s", qPrintable(path));
   const Locations locations = Locations::below(path);
   QVariantList tags;
   for (const char* label : {"FR", "SS", "Indoor", "PM", "📷"}) {
@@ -67,7 +68,9 @@ QImage portrait(QSize size) {
   return image;
 }
 
-Stage::Stage(const QString& folder) : _folder(folder), _locations(prepareHome(_home.path())) {
+Stage::Stage(const QString& folder) : _folder(folder), _locations(prepareHome(home())) {
+  // Folders are shown as those in the operator's home.
+  qputenv("HOME", home().toLocal8Bit());
   _dialogs.setParentWindow(&window);
   delegate.applicationDidFinishLaunching(window);
   _clock.advance(AmbrelAppDelegate::kSplashTime);
@@ -86,9 +89,7 @@ void Stage::fill(std::vector<Row> rows) {
 }
 
 void Stage::chooseFolder() {
-  const QString folder = _home.filePath(QStringLiteral("Summer school"));
-  // The folder is shown as one in the operator's home, whose name here is another each time.
-  qputenv("HOME", _home.path().toLocal8Bit());
+  const QString folder = home() + QStringLiteral("/Summer school");
   putPhotos(folder);
   delegate.selectFolder();
   auto* chooser = qobject_cast<QFileDialog*>(dialog());

@@ -51,7 +51,7 @@ class Stage {
   NameTable* table() { return window.leftPane()->table(); }
   // The control with this title or, where it shows none, this name for those who cannot see it.
   AmbrelButton* button(const QString& title);
-  QString home() const { return _home.path(); }
+  QString home() const { return _home.filePath(QStringLiteral("kim")); }
 
   // The widget as it looks now, in the pixels of this run's scale; what is `over` it lies where it lies on
   // the screen.

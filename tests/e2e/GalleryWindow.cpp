@@ -209,7 +209,10 @@ void takeBackupPictures(std::vector<Picture>& pictures) {
                                                                    backupPopUp(state));
                         stage.openSettings();
                         stage.button(backupButtonLook(state).title)->click();
-                        stage.shoot(name, nullptr, {stage.window.settingsPopover()->backupMenu()});
+                        QMenu* menu = stage.window.settingsPopover()->backupMenu();
+                        stage.shoot(name, nullptr, {menu});
+                        menu->setActiveAction(menu->actions().last());
+                        stage.shoot(name + QStringLiteral("_alone"), menu);
                       }});
 }
 
