@@ -270,7 +270,14 @@ TEST_F(MainWindowTest, EveryControlHasANameForThoseWhoCannotSeeIt) {
   }
 }
 
-// Also run with larger system text and a larger scale.
+// This and the next are also run with the larger text that a desktop may ask for.
+TEST_F(MainWindowTest, GrowsWithTheTextOfTheDesktop) {
+  const int dpi =
+      qEnvironmentVariableIsSet("AMBREL_TEXT_DPI") ? qEnvironmentVariableIntValue("AMBREL_TEXT_DPI") : 96;
+  EXPECT_DOUBLE_EQ(_window.devicePixelRatioF(), dpi / 96.0);
+  EXPECT_EQ(_window.centralWidget()->size(), layout::kInitialContent);
+}
+
 TEST_F(MainWindowTest, EveryTextFitsItsControlOrStandsWholeInItsToolTip) {
   fill({{"Anna", "note", "2", "1"}, {"Ben"}});
   _window.settingsPopover()->toggleSettingsPopover(_window.topPanel()->gearButton());
