@@ -95,7 +95,7 @@ QString applicationStyleSheet(const Palette& palette) {
     QScrollBar::handle:horizontal { min-width: 32px; }
     QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0; }
     QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }
-    QToolTip { background: %panel; color: %text; border: 1px solid %border; padding: 0 1px; }
+    QToolTip { background: %panel; color: %text; border: 1px solid %border; padding: 1px 3px; }
     QTableView { background: %card; border: 1px solid %border; }
     QTableView:focus { border: 1px solid %brand; }
     QHeaderView { background: %panel; border: none; }
