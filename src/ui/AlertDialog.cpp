@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "ui/Appearance.h"
+#include "ui/TextBlock.h"
 #include "ui/TextLabel.h"
 #include "ui/WindowLayout.h"
 
@@ -21,16 +22,8 @@ constexpr int kSmallestButton = 84;
 constexpr int kButtonHeight = 30;
 constexpr int kFieldFontSize = 13;
 
-QLabel* makeText(const QString& text, const QFont& font, const QColor& color) {
-  auto* label = new QLabel(text);
-  label->setTextFormat(Qt::PlainText);
-  label->setWordWrap(true);
-  label->setFont(font);
-  label->setFixedWidth(kTextWidth);
-  QPalette colors = label->palette();
-  colors.setColor(QPalette::WindowText, color);
-  label->setPalette(colors);
-  return label;
+TextBlock* makeText(const QString& text, const QFont& font, const QColor& color) {
+  return new TextBlock(text, font, color, kTextWidth);
 }
 
 // The area's own height, or as much as its highest control takes: nothing is cut off.

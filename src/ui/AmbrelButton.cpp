@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "ui/Appearance.h"
+#include "ui/PixelGrid.h"
 #include "ui/TextLine.h"
 
 namespace ambrel::ui {
@@ -94,9 +95,9 @@ void AmbrelButton::paintEvent(QPaintEvent*) {
   if (!_borderless) {
     painter.setPen(Qt::NoPen);
     painter.setBrush(_shownFill);
-    painter.drawRoundedRect(rect(), cornerRadius(), cornerRadius());
+    painter.drawRoundedRect(onWholePixels(painter, rect()), cornerRadius(), cornerRadius());
   }
-  if (hasFocus()) paintFocusRing(painter, rect(), cornerRadius());
+  if (hasFocus()) paintFocusRing(painter, onWholePixels(painter, rect()), cornerRadius());
   if (_symbol != Symbol::None) {
     QRectF place(0, 0, _symbolSize, _symbolSize);
     place.moveCenter(QRectF(rect()).center());

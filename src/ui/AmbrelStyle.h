@@ -12,7 +12,10 @@ class AmbrelStyle : public QProxyStyle {
   AmbrelStyle();
   // Every menu bar asks for the sign of the menus that do not fit. The toolkit's own are files, and looking
   // for what can read them loads every picture plug-in there is before the window is painted.
+  // The file choosers' signs are drawn like those of the window.
   QIcon standardIcon(StandardPixmap which, const QStyleOption* option, const QWidget* widget) const override;
+  int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                QStyleHintReturn* returnData) const override;
 };
 
 }  // namespace ambrel::ui

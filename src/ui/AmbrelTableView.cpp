@@ -27,6 +27,11 @@ AmbrelTableView::AmbrelTableView(QWidget* parent) : QTableView(parent) {
   setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   setWordWrap(false);
   setTabKeyNavigation(false);
+  // The scroll bar begins below the header, which reaches over it.
+  auto* headerEnd = new QFrame;
+  headerEnd->setObjectName(QStringLiteral("headerEnd"));
+  headerEnd->setFixedHeight(layout::kTableHeaderHeight);
+  addScrollBarWidget(headerEnd, Qt::AlignTop);
   setAccessibleName(QStringLiteral("Names"));
   verticalHeader()->hide();
   verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);

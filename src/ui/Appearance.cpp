@@ -86,6 +86,7 @@ QString applicationStyleSheet(const Palette& palette) {
     QMenu::separator { height: 1px; background: %border; margin: 5px 8px; }
     QMenu::indicator { left: 5px; width: 12px; height: 12px; }
     QMenu::indicator:checked { image: url(:/ambrel/symbols/check.svg); }
+    QMenu::indicator:checked:selected { image: url(:/ambrel/symbols/check_white.svg); }
     QScrollBar:vertical { background: transparent; width: 12px; margin: 0; }
     QScrollBar:horizontal { background: transparent; height: 12px; margin: 0; }
     QScrollBar::handle { background: %scroll; border-radius: 4px; margin: 2px; }
@@ -94,20 +95,24 @@ QString applicationStyleSheet(const Palette& palette) {
     QScrollBar::handle:horizontal { min-width: 32px; }
     QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0; }
     QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }
-    QToolTip { background: %panel; color: %text; border: 1px solid %border; padding: 4px 6px; }
-    QTableView { background: %card; border: 1px solid %border; border-top-color: %card;
-                 border-bottom-color: %card; }
+    QToolTip { background: %panel; color: %text; border: 1px solid %border; padding: 1px 3px; }
+    QTableView { background: %card; border: 1px solid %border; }
     QTableView:focus { border: 1px solid %brand; }
     QHeaderView { background: %panel; border: none; }
+    QWidget#headerEnd { background: %panel; border: none; border-bottom: 1px solid %border; }
     QHeaderView::section { background: %panel; color: %secondary; border: none;
                            border-bottom: 1px solid %border; padding: 0 8px; font-weight: 600; }
-    QCheckBox { color: %text; spacing: 7px; }
+    QCheckBox { color: %text; spacing: 7px; border: 1px solid transparent; border-radius: 6px;
+                padding-left: 2px; }
+    QCheckBox:focus { border-color: %brand; }
     QCheckBox::indicator { width: 15px; height: 15px; border: 1px solid %lightgray; border-radius: 4px;
                            background: %field; }
     QCheckBox::indicator:checked { background: %brand; border-color: %brand;
                                    image: url(:/ambrel/symbols/check_white.svg); }
-    QCheckBox::indicator:focus { border-color: %brand; }
     QDialog { background: %background; }
+    QFileDialog QSplitter::handle { image: none; }
+    QFileDialog QListView, QFileDialog QTreeView { padding: 3px; border-radius: 9px; }
+    QFileDialog QListView::item, QFileDialog QTreeView::item { height: 24px; }
     QPushButton { background: %brand; color: white; border: none; border-radius: 10px;
                   padding: 7px 16px; font-weight: 600; min-width: 60px; }
     QPushButton#secondaryButton { background: %gray; }

@@ -70,8 +70,8 @@ QVariant NameTableModel::headerData(int section, Qt::Orientation orientation, in
       // The columns have widths of their own; measuring the flag would take longer than painting rows.
       return QSize(0, layout::kTableHeaderHeight);
     case Qt::TextAlignmentRole:
-      return static_cast<int>(column == NameColumn::Marker ? Qt::AlignCenter
-                                                           : Qt::AlignLeft | Qt::AlignVCenter);
+      return static_cast<int>(column == NameColumn::Name ? Qt::AlignLeft | Qt::AlignVCenter
+                                                         : Qt::AlignCenter);
     default:
       return {};
   }

@@ -1,19 +1,57 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ui/PathChooser.h"
 
+#include <QAbstractFileIconProvider>
 #include <QApplication>
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QFileInfo>
+#include <QHeaderView>
+#include <QListView>
 #include <QPushButton>
 #include <QSplitter>
 #include <QStyle>
+#include <QTreeView>
+#include <array>
+
+#include "ui/Palette.h"
+#include "ui/Symbols.h"
 
 namespace ambrel::ui {
 namespace {
 
 constexpr int kPlacesWidth = 150;
 constexpr QSize kChooserSize{780, 500};
+// Of size, type and date; the name has the rest.
+constexpr std::array<int, 3> kColumnWidths{80, 100, 160};
+
+class Signs : public QAbstractFileIconProvider {
+ public:
+  QIcon icon(IconType type) const override {
+    switch (type) {
+      case Computer:
+      case Desktop:
+        return symbolIcon(Symbol::Computer, Palette().grayColor());
+      case Drive:
+      case Network:
+        return symbolIcon(Symbol::Drive, Palette().grayColor());
+      case File:
+        return symbolIcon(Symbol::File, Palette().grayColor());
+      default:
+        return symbolIcon(Symbol::Folder, Palette().brandColor());
+    }
+  }
+  QIcon icon(const QFileInfo& info) const override {
+    if (info.isRoot()) return icon(Drive);
+    return icon(info.isDir() ? Folder : File);
+  }
+};
+
+// The chooser's thread that reads folders asks for signs until the toolkit has destroyed it.
+QAbstractFileIconProvider* signs() {
+  static Signs all;
+  return &all;
+}
 
 QString defaultTitle(PathRequest::Kind kind) {
   switch (kind) {
@@ -55,10 +93,26 @@ PathChooser::PathChooser(const PathRequest& request, QWidget* parent)
   }
   if (request.kind != PathRequest::Kind::OpenFolder) setNameFilter(nameFilter(request.extensions));
   resize(kChooserSize);
-  // The places beside the list are cut off at the toolkit's own width.
-  if (auto* splitter = findChild<QSplitter*>()) splitter->setSizes({kPlacesWidth, width() - kPlacesWidth});
+  setSizeGripEnabled(false);
+  setIconProvider(signs());
+  styleLists();
   styleCancelButton();
   if (!request.button.isEmpty()) setLabelText(QFileDialog::Accept, request.button);
+}
+
+void PathChooser::styleLists() {
+  // The places beside the list are cut off at the toolkit's own width.
+  if (auto* splitter = findChild<QSplitter*>()) splitter->setSizes({kPlacesWidth, width() - kPlacesWidth});
+  if (auto* places = findChild<QListView*>(QStringLiteral("sidebar"))) {
+    places->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    places->setTextElideMode(Qt::ElideMiddle);
+  }
+  auto* files = findChild<QTreeView*>(QStringLiteral("treeView"));
+  if (!files) return;
+  QHeaderView* header = files->header();
+  header->setSectionResizeMode(0, QHeaderView::Stretch);
+  for (std::size_t i = 0; i < kColumnWidths.size(); ++i)
+    header->resizeSection(static_cast<int>(i) + 1, kColumnWidths[i]);
 }
 
 void PathChooser::styleCancelButton() {

@@ -20,6 +20,7 @@ class PathChooser : public QFileDialog {
   void accept() override;
 
  private:
+  void styleLists();
   void styleCancelButton();
 
   PathRequest::Kind _kind;

@@ -2,16 +2,15 @@
 #include "ui/PhotoView.h"
 
 #include <QPainterPath>
-#include <cmath>
 
 #include "ui/Palette.h"
 #include "ui/PhotoScaling.h"
+#include "ui/PixelGrid.h"
 
 namespace ambrel::ui {
 namespace {
 
 constexpr double kViewCornerRadius = 12;
-constexpr int kFrame = 1;
 
 }  // namespace
 
@@ -29,17 +28,15 @@ void PhotoView::setPhoto(const QImage& photo) {
 }
 
 QSize PhotoView::fit() const {
-  const QSize room = size() - QSize(2 * kFrame, 2 * kFrame);
-  return (QSizeF(room) * devicePixelRatioF()).toSize().expandedTo(QSize(1, 1));
+  const double scale = devicePixelRatioF();
+  const int frame = 2 * hairlinePixels(scale);
+  return ((QSizeF(size()) * scale).toSize() - QSize(frame, frame)).expandedTo(QSize(1, 1));
 }
 
 QRectF PhotoView::photoPlace() const {
   const QSizeF size = QSizeF(shrunkInto(_photo.size(), fit())) / devicePixelRatioF();
   QRectF place(QPointF(), size);
   place.moveCenter(QRectF(rect()).center());
-  // On whole pixels, so that a photo of the right size is drawn as it is.
-  const double scale = devicePixelRatioF();
-  place.moveTopLeft(QPointF(std::round(place.x() * scale), std::round(place.y() * scale)) / scale);
   return place;
 }
 
@@ -48,11 +45,15 @@ void PhotoView::paintEvent(QPaintEvent* event) {
   if (_photo.isNull()) return;
   QPainter painter(this);
   painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+  const double frame = hairline(painter);
   QPainterPath inside;
-  inside.addRoundedRect(QRectF(rect()).adjusted(kFrame, kFrame, -kFrame, -kFrame), kViewCornerRadius - kFrame,
-                        kViewCornerRadius - kFrame);
+  inside.addRoundedRect(onWholePixels(painter, rect()).adjusted(frame, frame, -frame, -frame),
+                        kViewCornerRadius - frame, kViewCornerRadius - frame);
   painter.setClipPath(inside);
-  painter.drawImage(photoPlace(), _photo);
+  // From a whole pixel on, so that a photo of the right size is drawn as it is.
+  QRectF place = photoPlace();
+  place.moveTopLeft(onWholePixels(painter, place).topLeft());
+  painter.drawImage(place, _photo);
 }
 
 void PhotoView::resizeEvent(QResizeEvent* event) {

@@ -9,6 +9,7 @@
 #include <algorithm>
 
 #include "ui/Appearance.h"
+#include "ui/PixelGrid.h"
 
 namespace ambrel::ui {
 namespace {
@@ -143,7 +144,10 @@ void SettingsPopover::follow() {
   if (!_anchor) return;
   resize(layout::kSettingsSize + QSize(2 * kShadowRoom, kArrowHeight + kShadowRoom));
   const QPoint below = _anchor->mapTo(parentWidget(), QPoint(_anchor->width() / 2, _anchor->height()));
-  const int rightmost = parentWidget()->width() - width();
+  // No further to the right than the card that the anchor stands on.
+  const QWidget* card = _anchor->parentWidget();
+  const int rightEdge = card->mapTo(parentWidget(), QPoint(card->width(), 0)).x();
+  const int rightmost = std::min(rightEdge + kShadowRoom, parentWidget()->width()) - width();
   move(std::clamp(below.x() - width() / 2, 0, std::max(0, rightmost)), below.y() + 2);
   layoutSettingsContent();
 }
@@ -235,7 +239,8 @@ void SettingsPopover::paintEvent(QPaintEvent* event) {
   painter.setRenderHint(QPainter::Antialiasing);
   const Palette palette;
   QPainterPath bubble;
-  const QRectF outline = QRectF(body()).adjusted(0.5, 0.5, -0.5, -0.5);
+  const double line = hairline(painter);
+  const QRectF outline = onWholePixels(painter, body()).adjusted(line / 2, line / 2, -line / 2, -line / 2);
   bubble.addRoundedRect(outline, kCornerRadius, kCornerRadius);
   if (_anchor) {
     const double tip = _anchor->mapTo(parentWidget(), QPoint(_anchor->width() / 2, 0)).x() - x();
@@ -248,7 +253,7 @@ void SettingsPopover::paintEvent(QPaintEvent* event) {
     bubble = bubble.united(arrowPath);
   }
   paintShadowAround(painter, body(), kCornerRadius, kShadow);
-  painter.setPen(QPen(palette.softBorderColor().darker(112), 1));
+  painter.setPen(QPen(palette.softBorderColor().darker(112), line));
   painter.setBrush(palette.cardBackgroundColor());
   painter.drawPath(bubble);
   painter.end();

@@ -7,12 +7,12 @@
 #include <cmath>
 
 #include "ui/Palette.h"
+#include "ui/PixelGrid.h"
 
 namespace ambrel::ui {
 namespace {
 
 constexpr double kCardCornerRadius = 14;
-constexpr double kCardBorderWidth = 1;
 constexpr Shadow kCardShadow{0.08, 8, {0, 2}};
 // No shadow of this application reaches further than this beyond its shape.
 constexpr int kShadowReach = 12;
@@ -182,10 +182,11 @@ void Surface::paintEvent(QPaintEvent* event) {
     painter.fillRect(rect(), _fill);
   } else {
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(_border.isValid() ? QPen(_border, kCardBorderWidth) : QPen(Qt::NoPen));
+    const double line = _border.isValid() ? hairline(painter) : 0;
+    painter.setPen(_border.isValid() ? QPen(_border, line) : QPen(Qt::NoPen));
     painter.setBrush(_fill);
-    const double inset = _border.isValid() ? kCardBorderWidth / 2 : 0;
-    const QRectF shape = QRectF(rect()).adjusted(inset, inset, -inset, -inset);
+    const double inset = line / 2;
+    const QRectF shape = onWholePixels(painter, rect()).adjusted(inset, inset, -inset, -inset);
     painter.drawRoundedRect(shape, _cornerRadius - inset, _cornerRadius - inset);
   }
   paintShadowsBelow(painter, this, this, event->rect());

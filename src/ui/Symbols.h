@@ -2,17 +2,36 @@
 #pragma once
 
 #include <QColor>
+#include <QIcon>
 #include <QPainter>
 #include <QRectF>
 #include <QWidget>
 
 namespace ambrel::ui {
 
-// The line drawings on buttons.
-enum class Symbol { None, CameraReconnect, Gear, Pencil, Folder };
+// The line drawings on buttons, and those of the file choosers.
+enum class Symbol {
+  None,
+  CameraReconnect,
+  Gear,
+  Pencil,
+  Folder,
+  FolderNew,
+  File,
+  Computer,
+  Drive,
+  ArrowLeft,
+  ArrowRight,
+  ArrowUp,
+  Icons,
+  Lines
+};
 
 // Draws the symbol in one colour, as shapes, so that it is sharp at any scale.
 void paintSymbol(QPainter& painter, Symbol symbol, const QRectF& place, const QColor& tint);
+
+// The symbol where the toolkit wants an icon; paler where it cannot be used.
+QIcon symbolIcon(Symbol symbol, const QColor& tint);
 
 // A symbol that only stands there.
 class SymbolView : public QWidget {

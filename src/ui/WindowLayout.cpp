@@ -33,8 +33,15 @@ std::array<int, 5> cardWidths(int room) {
   const int gaps = 4 * kCardGap;
   if (room >= kFullWidthOfCards + gaps) return kCardWidths;
   std::array<int, 5> widths{};
-  for (std::size_t i = 0; i < widths.size(); ++i)
-    widths[i] = std::max(1, kCardWidths[i] * (room - gaps) / kFullWidthOfCards);
+  // By where each card ends, so that together they fill the room and every gap is the same.
+  int fullEnd = 0;
+  int before = 0;
+  for (std::size_t i = 0; i < widths.size(); ++i) {
+    fullEnd += kCardWidths[i];
+    const int end = fullEnd * (room - gaps) / kFullWidthOfCards;
+    widths[i] = std::max(1, end - before);
+    before = end;
+  }
   return widths;
 }
 

@@ -253,6 +253,9 @@ TEST(Window, QuitsFromTheKeyboardAndByClosing) {
 
 int main(int argc, char** argv) {
   qputenv("LC_ALL", "C.UTF-8");
+  // Where the toolkit remembers how its choosers looked last.
+  const QTemporaryDir settings;
+  qputenv("XDG_CONFIG_HOME", settings.path().toLocal8Bit());
   qputenv("AMBREL_RELEASE_API", ambrel::kNoReleaseService);
   ::testing::InitGoogleTest(&argc, argv);
   QApplication application(argc, argv);

@@ -81,5 +81,28 @@ TEST(AlertDialog, StartsInItsFirstFieldWithTheTextSelected) {
   EXPECT_EQ(dialog.textFields()[0]->selectedText(), QStringLiteral("FR"));
 }
 
+TEST(AlertDialog, ShowsWhichBoxHasTheFocusWhetherItIsCheckedOrNot) {
+  for (const bool checked : {false, true}) {
+    Accessory accessory{.size = {320, 60}};
+    accessory.checkBoxes.push_back({{0, 30, 320, 20}, QStringLiteral("One"), checked});
+    accessory.checkBoxes.push_back({{0, 0, 320, 20}, QStringLiteral("Two"), checked});
+    AlertDialog dialog({QStringLiteral("Title"), {}, {QStringLiteral("OK")}, accessory}, nullptr);
+    dialog.show();
+    dialog.activateWindow();
+    QCoreApplication::processEvents();
+    const QList<QCheckBox*> boxes = dialog.findChildren<QCheckBox*>();
+    ASSERT_EQ(boxes.size(), 2);
+    boxes[1]->setFocus(Qt::TabFocusReason);
+    const QImage without = boxes[0]->grab().toImage();
+    boxes[0]->setFocus(Qt::TabFocusReason);
+    ASSERT_TRUE(boxes[0]->hasFocus());
+    const QImage with = boxes[0]->grab().toImage();
+    int changed = 0;
+    for (int x = 0; x < with.width(); ++x)
+      changed += with.pixel(x, 0) != without.pixel(x, 0) ? 1 : 0;
+    EXPECT_GT(changed, 200) << checked;
+  }
+}
+
 }  // namespace
 }  // namespace ambrel::ui

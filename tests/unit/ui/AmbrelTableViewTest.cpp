@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <QHeaderView>
 #include <QImage>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QStringListModel>
 #include <QTest>
@@ -50,6 +52,16 @@ TEST_F(AmbrelTableViewTest, LeavesTheEdgesOfASelectedRowFree) {
 TEST_F(AmbrelTableViewTest, AlternatesTheBackgroundsOfOtherRows) {
   EXPECT_NE(colorAt(middleOf(0)), colorAt(middleOf(1)));
   EXPECT_EQ(colorAt(middleOf(0)), colorAt(middleOf(2)));
+}
+
+TEST_F(AmbrelTableViewTest, TheHeaderReachesOverTheScrollBar) {
+  const QScrollBar* bar = _view.verticalScrollBar();
+  ASSERT_TRUE(bar->isVisible());
+  const int header = _view.horizontalHeader()->height();
+  EXPECT_GE(bar->mapTo(&_view, QPoint()).y(), header);
+  const QImage picture = _view.grab().toImage();
+  EXPECT_EQ(picture.pixelColor(bar->mapTo(&_view, QPoint(4, 0)).x(), header / 2).name(),
+            Palette().softPanelColor().name());
 }
 
 TEST_F(AmbrelTableViewTest, HasRowsOf34PointsWithTwoBetween) {

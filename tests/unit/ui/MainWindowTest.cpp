@@ -270,7 +270,14 @@ TEST_F(MainWindowTest, EveryControlHasANameForThoseWhoCannotSeeIt) {
   }
 }
 
-// Also run with larger system text and a larger scale.
+// This and the next are also run with the larger text that a desktop may ask for.
+TEST_F(MainWindowTest, GrowsWithTheTextOfTheDesktop) {
+  const int dpi =
+      qEnvironmentVariableIsSet("AMBREL_TEXT_DPI") ? qEnvironmentVariableIntValue("AMBREL_TEXT_DPI") : 96;
+  EXPECT_DOUBLE_EQ(_window.devicePixelRatioF(), dpi / 96.0);
+  EXPECT_EQ(_window.centralWidget()->size(), layout::kInitialContent);
+}
+
 TEST_F(MainWindowTest, EveryTextFitsItsControlOrStandsWholeInItsToolTip) {
   fill({{"Anna", "note", "2", "1"}, {"Ben"}});
   _window.settingsPopover()->toggleSettingsPopover(_window.topPanel()->gearButton());
@@ -343,6 +350,37 @@ TEST_F(MainWindowTest, TheTabKeyReachesEveryControl) {
   for (QWidget* field : _window.findChildren<QLineEdit*>())
     expectReached(field);
   EXPECT_TRUE(reached.contains(_window.leftPane()->table()));
+}
+
+TEST_F(MainWindowTest, ShowsWhereTheFocusIsExceptOnTheSearchAndTheCounter) {
+  fill({{"Anna", "note"}});
+  _window.rightPane()->updateControls(true, true);
+  _window.activateWindow();
+  QCoreApplication::processEvents();
+  // What lies at a control's own edge, and not a cursor or a selection within.
+  const auto edge = [](QWidget* control) {
+    const QImage picture = control->grab().toImage();
+    QList<QRgb> pixels;
+    for (int y = 0; y < picture.height(); ++y)
+      for (const int x : {0, 1, picture.width() - 2, picture.width() - 1})
+        pixels << picture.pixel(x, y);
+    return pixels;
+  };
+  const auto focusShowsAtTheEdgeOf = [&](QWidget* control) {
+    _window.centralWidget()->setFocus();
+    const QList<QRgb> without = edge(control);
+    control->setFocus(Qt::TabFocusReason);
+    EXPECT_TRUE(control->hasFocus());
+    return edge(control) != without;
+  };
+  for (AmbrelButton* button : _window.findChildren<AmbrelButton*>()) {
+    if (!button->isVisible() || !button->isEnabled()) continue;
+    EXPECT_TRUE(focusShowsAtTheEdgeOf(button)) << button->text().toStdString();
+  }
+  EXPECT_TRUE(focusShowsAtTheEdgeOf(_window.leftPane()->table()));
+  EXPECT_TRUE(focusShowsAtTheEdgeOf(_window.leftPane()->noteField()));
+  EXPECT_FALSE(focusShowsAtTheEdgeOf(_window.leftPane()->searchField()));
+  EXPECT_FALSE(focusShowsAtTheEdgeOf(_window.topPanel()->counterField()));
 }
 
 TEST_F(MainWindowTest, ClosingTheWindowEndsTheApplication) {

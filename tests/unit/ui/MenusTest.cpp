@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <QImage>
 #include <gtest/gtest.h>
 
 #include "ui/Menus.h"
@@ -111,6 +112,26 @@ TEST(Menus, AutoConnectIsCheckedAtFirstAndFollowsTheSettingWithoutStartingAnythi
   menus.setAutoConnect(false);
   EXPECT_FALSE(menus.action(Command::ToggleAutoConnect)->isChecked());
   EXPECT_EQ(started, 0);
+}
+
+TEST(Menus, TheCheckIsWhiteWhereTheItemIsChosen) {
+  QMenuBar bar;
+  const Menus menus(bar, kVersion, [](Command) {});
+  QMenu* camera = bar.actions().at(3)->menu();
+  camera->popup(QPoint(0, 0));
+  QAction* item = camera->actions().last();
+  const auto brightestLeftOfTheTitle = [&] {
+    const QImage picture = camera->grab(camera->actionGeometry(item)).toImage();
+    int brightest = 0;
+    for (int x = 6; x < 18; ++x)
+      for (int y = 4; y < picture.height() - 4; ++y)
+        brightest = std::max(brightest, qGray(picture.pixel(x, y)));
+    return brightest;
+  };
+  camera->setActiveAction(item);
+  EXPECT_EQ(brightestLeftOfTheTitle(), 255);
+  item->setChecked(false);
+  EXPECT_LT(brightestLeftOfTheTitle(), 128);
 }
 
 }  // namespace

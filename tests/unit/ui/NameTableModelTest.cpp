@@ -31,6 +31,17 @@ TEST_F(NameTableModelTest, KeepsTheContractOfItemModels) {
   EXPECT_EQ(_model.rowCount(), 0);
 }
 
+TEST_F(NameTableModelTest, CentresTheTitlesOfMarkersAndCountsAsTheirCells) {
+  const auto isCentred = [this](NameColumn column) {
+    const auto alignment = static_cast<Qt::Alignment>(
+        _model.headerData(static_cast<int>(column), Qt::Horizontal, Qt::TextAlignmentRole).toInt());
+    return alignment.testFlag(Qt::AlignHCenter);
+  };
+  EXPECT_TRUE(isCentred(NameColumn::Marker));
+  EXPECT_FALSE(isCentred(NameColumn::Name));
+  EXPECT_TRUE(isCentred(NameColumn::Count));
+}
+
 TEST_F(NameTableModelTest, ShowsTheRowsInDisplayOrder) {
   fill({{"b"}, {"A"}, {"c"}});
   _list.cycleSortMode();

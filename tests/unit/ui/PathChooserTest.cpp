@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <QHeaderView>
 #include <QTemporaryDir>
+#include <QTreeView>
 #include <gtest/gtest.h>
 
 #include "ui/PathChooser.h"
@@ -41,6 +43,21 @@ TEST(PathChooser, ProposesANameAndAddsTheExtensionWhenSaving) {
   chooser.open();
   static_cast<QDialog&>(chooser).done(QDialog::Accepted);
   EXPECT_EQ(chooser.chosenPath(), folder.filePath(QStringLiteral("ambrel-list.csv")));
+}
+
+TEST(PathChooser, GivesTheNamesTheRoomThatTheOtherColumnsLeave) {
+  PathChooser chooser({}, nullptr);
+  chooser.open();
+  const auto* files = chooser.findChild<QTreeView*>(QStringLiteral("treeView"));
+  ASSERT_TRUE(files);
+  const QHeaderView* header = files->header();
+  EXPECT_GE(header->sectionSize(3),
+            header->fontMetrics().horizontalAdvance(QStringLiteral("22 Nov 2026 08:26:15")));
+  const int names = header->sectionSize(0);
+  chooser.resize(chooser.width() + 100, chooser.height());
+  QCoreApplication::processEvents();
+  EXPECT_EQ(header->length(), files->viewport()->width());
+  EXPECT_GT(header->sectionSize(0), names + 50);
 }
 
 TEST(PathChooser, GivesNoPathWhenCancelled) {

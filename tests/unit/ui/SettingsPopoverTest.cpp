@@ -59,6 +59,16 @@ TEST_F(SettingsPopoverTest, OpensBelowTheGearInsideTheWindowAndClosesOnTheNextCl
   EXPECT_FALSE(_popover.isVisible());
 }
 
+TEST_F(SettingsPopoverTest, EndsWhereTheCardOfItsGearEnds) {
+  Surface card(&_window);
+  card.setGeometry(16, 8, _window.width() - 32, 78);
+  AmbrelButton gear(&card);
+  gear.setGeometry(card.width() - 62, 16, 46, 46);
+  _popover.toggleSettingsPopover(&gear);
+  const QRect rightmost = button(QStringLiteral("↻ Reset workflow"))->geometry().translated(_popover.pos());
+  EXPECT_EQ(rightmost.x() + rightmost.width(), _window.width() - 16 - 16);
+}
+
 TEST_F(SettingsPopoverTest, ClosesOnAClickOutsideAndOnEscape) {
   open();
   QTest::mouseClick(&_popover, Qt::LeftButton, {}, QPoint(30, 30));

@@ -8,8 +8,8 @@
 namespace ambrel::ui {
 namespace {
 
-QImage pictureOf(QWidget& widget, int scale = 1) {
-  QImage picture(widget.size() * scale, QImage::Format_ARGB32_Premultiplied);
+QImage pictureOf(QWidget& widget, double scale = 1) {
+  QImage picture((QSizeF(widget.size()) * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
   picture.setDevicePixelRatio(scale);
   picture.fill(Qt::white);
   widget.render(&picture);
@@ -94,6 +94,31 @@ TEST_F(SurfaceTest, PaintsTheSameShapesAtTwiceTheScale) {
   EXPECT_EQ(picture.pixel(100, 200), Palette().softBorderColor().rgb());
   EXPECT_EQ(picture.pixel(101, 200), Palette().softBorderColor().rgb());
   EXPECT_EQ(picture.pixelColor(103, 200), QColor(Qt::white));
+}
+
+TEST_F(SurfaceTest, HasSharpEdgesWherePointsBeginWithinPixels) {
+  _ground.setFill(Qt::black);
+  for (const int x : {50, 51}) {
+    for (const int width : {100, 101}) {
+      _card.setGeometry(x, 50, width, 100);
+      _card.setOutline(14, Qt::red, {});
+      const QImage picture = pictureOf(_ground, 1.5);
+      QStringList edges;
+      for (int pixel = 60; pixel < 240; ++pixel) {
+        const QColor color = picture.pixelColor(pixel, 150);
+        const auto near = [&color](int red, int others) {
+          return std::abs(color.red() - red) < 4 && std::abs(color.green() - others) < 4;
+        };
+        const QString seen = near(0, 0)       ? QStringLiteral("ground")
+                             : near(255, 0)   ? QStringLiteral("border")
+                             : near(255, 255) ? QStringLiteral("card")
+                                              : QStringLiteral("blur");
+        if (edges.isEmpty() || edges.last() != seen) edges << seen;
+      }
+      EXPECT_EQ(edges.join(QLatin1Char(' ')).toStdString(), "ground border card border ground")
+          << x << " + " << width;
+    }
+  }
 }
 
 }  // namespace

@@ -21,8 +21,22 @@ int paintedPixels(Symbol symbol, const QColor& tint) {
 }
 
 TEST(Symbols, EverySymbolIsDrawnInItsTint) {
-  for (const Symbol symbol : {Symbol::CameraReconnect, Symbol::Gear, Symbol::Pencil, Symbol::Folder})
-    EXPECT_GT(paintedPixels(symbol, QColor(51, 102, 153)), 100) << static_cast<int>(symbol);
+  for (int symbol = static_cast<int>(Symbol::CameraReconnect); symbol <= static_cast<int>(Symbol::Lines);
+       ++symbol)
+    EXPECT_GT(paintedPixels(static_cast<Symbol>(symbol), QColor(51, 102, 153)), 100) << symbol;
+}
+
+TEST(Symbols, AreIconsThatPaleWhereTheyCannotBeUsed) {
+  const QIcon icon = symbolIcon(Symbol::Lines, QColor(51, 102, 153));
+  const auto strongest = [&icon](QIcon::Mode mode) {
+    const QImage picture = icon.pixmap(QSize(48, 48), 1, mode).toImage();
+    int alpha = 0;
+    for (int y = 0; y < picture.height(); ++y)
+      alpha = std::max(alpha, picture.pixelColor(24, y).alpha());
+    return alpha;
+  };
+  EXPECT_EQ(strongest(QIcon::Normal), 255);
+  EXPECT_NEAR(strongest(QIcon::Disabled), 89, 3);
 }
 
 TEST(Symbols, NoSymbolDrawsNothing) {

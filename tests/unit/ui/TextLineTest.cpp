@@ -56,6 +56,16 @@ TEST(TextLine, ShortensWhatIsTooWideWhereItIsTold) {
   }
 }
 
+TEST(TextLine, StandsWhereItsNeighboursDoThoughALetterOfItIsTaller) {
+  const QImage alone = painted(Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("Anna"));
+  const QRect letters(0, 0, inkOf(alone).second + 1, alone.height());
+  for (const char* taller : {"नेहा", "สมหญิง", "花子", "👍🏽"}) {
+    const QImage beside =
+        painted(Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("Anna ") + QString::fromUtf8(taller));
+    EXPECT_EQ(beside.copy(letters), alone.copy(letters)) << taller;
+  }
+}
+
 TEST(TextLine, PaintsNothingForNoText) {
   EXPECT_EQ(painted(Qt::AlignCenter, {}), paper());
 }

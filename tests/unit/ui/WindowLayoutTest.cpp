@@ -78,6 +78,16 @@ TEST(TopPanelLayout, ShrinksTheCardsOfANarrowPanelInsteadOfOverlappingThem) {
   }
 }
 
+TEST(TopPanelLayout, KeepsTheSameGapBetweenShrunkCards) {
+  for (int width = kMinimumContent.width() - 32; width < 894; ++width) {
+    const TopPanel places = topPanel({width, 78});
+    const QRect cards[] = {places.cameraCard, places.readinessCard, places.storageCard,
+                           places.backupCard, places.counterCard,   places.forceReconnectButton};
+    for (std::size_t i = 1; i < std::size(cards); ++i)
+      EXPECT_EQ(cards[i].x(), cards[i - 1].x() + cards[i - 1].width() + 10) << width << ' ' << i;
+  }
+}
+
 TEST(TopPanelLayout, KeepsFullCardWidthsWhereTheyJustFit) {
   const TopPanel places = topPanel({894, 78});
   EXPECT_EQ(places.cameraCard.width(), 190);
