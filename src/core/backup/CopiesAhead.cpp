@@ -73,6 +73,7 @@ struct Copy {
   CopyPlace place;
   struct stat source;
   Moment begun;
+  std::size_t abreast;  // copies that were on their way when this one began, itself included
   std::future<Flushed> flushed;
 };
 
@@ -174,7 +175,7 @@ void CopiesAhead::Line::want(std::optional<Wanted> first, const std::vector<Copy
 Result<void> CopiesAhead::Line::resultOf(Copy copy) {
   const Flushed flushed = copy.flushed.get();
   const std::lock_guard lock(_mutex);
-  _isQuick = flushed.result && flushed.when - copy.begun < _quick;
+  _isQuick = flushed.result && CopiesAhead::isQuick(flushed.when - copy.begun, copy.abreast, _quick);
   return flushed.result;
 }
 
@@ -239,7 +240,7 @@ bool CopiesAhead::Line::make(std::unique_lock<std::mutex>& lock, const Wanted& w
     if (backupCopySize(place.destination) == bytesOf(source)) return true;
   }
   std::promise<Flushed> promise;
-  _copies.push_back({place, source, steady_clock::now(), promise.get_future()});
+  _copies.push_back({place, source, steady_clock::now(), _copies.size() + 1, promise.get_future()});
   _changed.notify_all();
   lock.unlock();
   makeFoldersOf(place);

@@ -42,6 +42,12 @@ class CopiesAhead {
 
   explicit CopiesAhead(Files& files, std::chrono::milliseconds quick = kQuick);
 
+  // Whether a drive is quick enough to go ahead on, by a copy that took so long while so many, itself
+  // included, were on their way: they share the drive, and so the time.
+  static bool isQuick(std::chrono::nanoseconds taken, std::size_t abreast, std::chrono::milliseconds quick) {
+    return taken < quick * abreast;
+  }
+
   // Copies a photo, or takes up the copy that was made ahead of the very same file, and returns once the copy
   // is flushed. Meanwhile photos of `next` are copied; what fails there shows when their turn comes.
   Result<void> copy(const CopyPlace& place, const struct stat& source, const std::vector<CopyPlace>& next);

@@ -124,6 +124,13 @@ TEST_F(CopiesAheadTest, DoesNotGoAheadOnASlowDrive) {
   EXPECT_EQ(copiesBegun(), 2);
 }
 
+TEST_F(CopiesAheadTest, JudgesADriveByTheShareThatACopyHadOfIt) {
+  EXPECT_TRUE(CopiesAhead::isQuick(199ms, 1, 200ms));
+  EXPECT_FALSE(CopiesAhead::isQuick(200ms, 1, 200ms));
+  EXPECT_TRUE(CopiesAhead::isQuick(900ms, 8, 200ms));
+  EXPECT_FALSE(CopiesAhead::isQuick(1600ms, 8, 200ms));
+}
+
 TEST_F(CopiesAheadTest, DoesNotGoAheadAfterAFailure) {
   copyAFirstOne();
   files.failCall(Operation::FlushOfCopy, 1, "broken");
