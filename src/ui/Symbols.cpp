@@ -38,6 +38,8 @@ QString drawingOf(Symbol symbol) {
       return QStringLiteral(":/ambrel/symbols/icons.svg");
     case Symbol::Lines:
       return QStringLiteral(":/ambrel/symbols/lines.svg");
+    case Symbol::More:
+      return QStringLiteral(":/ambrel/symbols/more.svg");
   }
   return {};
 }

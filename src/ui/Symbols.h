@@ -24,7 +24,8 @@ enum class Symbol {
   ArrowRight,
   ArrowUp,
   Icons,
-  Lines
+  Lines,
+  More
 };
 
 // Draws the symbol in one colour, as shapes, so that it is sharp at any scale.
