@@ -284,7 +284,20 @@ void Day::converge() {
   _meter.stop();
 }
 
+// A photo of which nobody expects that it arrives may be on its way even now, and would come between two looks
+// at the folders.
+void Day::packUp() {
+  _live.app->disconnectCamera();
+  const auto lastOneIsFiled = [this] {
+    const Backup& backup = _live.app->backup();
+    return !_live.link->isRunning() && _filingsOpen == 0 && backup.queue().isEmpty() && !backup.state().busy;
+  };
+  if (!waitUntil(lastOneIsFiled, kPatience))
+    wrong(QStringLiteral("The camera was disconnected, and things did not come to rest."));
+}
+
 void Day::takeStock() {
+  packUp();
   _account = std::make_unique<Account>(_places, _earlier, _shutter.records());
   _account->checkBackup(_hands.moved());
   _missingKnown = false;

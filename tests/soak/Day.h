@@ -48,6 +48,7 @@ class Day {
   bool isOver() const;
   // The evening
   void converge();
+  void packUp();
   void takeStock();
   void judgeMeasures();
 
