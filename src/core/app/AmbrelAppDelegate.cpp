@@ -152,6 +152,8 @@ void AmbrelAppDelegate::connectSubsystems() {
   connect(&_camera, &CameraConnection::controlsStale, this, &AmbrelAppDelegate::updateControls);
   connect(&_camera, &CameraConnection::pillChanged, this, &AmbrelAppDelegate::updateControls);
   connect(&_camera, &CameraConnection::watchingConfirmed, this, &AmbrelAppDelegate::watchingConfirmed);
+  connect(&_camera, &CameraConnection::photoAnnounced, &_backup.rightOfWay(), &RightOfWay::photoComes);
+  connect(&_camera, &CameraConnection::downloaded, &_backup.rightOfWay(), &RightOfWay::photoComes);
   connect(&_camera, &CameraConnection::downloaded, &_filer, &PhotoFiler::handleDownloadedPath);
 
   connect(&_filer, &PhotoFiler::filed, this, &AmbrelAppDelegate::photoFiled);
@@ -297,13 +299,19 @@ void AmbrelAppDelegate::photoFiled(const QString& path, qint64 row) {
                         _camera.isWatching() ? StatusKind::Watching : StatusKind::Good);
   _storage.updateStorageLabel();
   _statusLine.scheduleReadyStatusRefresh();
+  filingEnded();
   _backup.backupSavedFile(path);
 }
 
 void AmbrelAppDelegate::photoNotFiled(const QString& message) {
+  filingEnded();
   if (message.isEmpty()) return;
   showAlert(QStringLiteral("Write Error"), message);
   _statusLine.setStatus(message, StatusKind::Error);
+}
+
+void AmbrelAppDelegate::filingEnded() {
+  if (!_filer.hasQueued()) _backup.rightOfWay().photosAreIn();
 }
 
 // ---- Intents

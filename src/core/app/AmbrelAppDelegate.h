@@ -134,6 +134,7 @@ class AmbrelAppDelegate : public QObject {
   void forgetWorkflow();
   void photoFiled(const QString& path, qint64 row);
   void photoNotFiled(const QString& message);
+  void filingEnded();
   FilingDesk filingDesk();
   FilingWitness filingWitness() const;
   RenameDesk renameDesk();

@@ -19,8 +19,9 @@ Backup::Backup(Clock& clock, Operator& operatorSeam, Files& files, StatusLine& s
       _preferences(preferences),
       _surroundings(std::move(surroundings)),
       _recovery(clock, preferences, statusLine, std::move(driveMeans)),
+      _rightOfWay(clock),
       _backupQueue(files, locations),
-      _copiesAhead(std::make_shared<CopiesAhead>(files)) {
+      _copiesAhead(std::make_shared<CopiesAhead>(files, _rightOfWay.gate())) {
   connect(&_recovery, &DriveRecovery::driveBack, this, &Backup::processBackupQueue);
   connect(&_backupQueue, &BackupQueue::written, this, [this] {
     _queueWriteFailed = false;

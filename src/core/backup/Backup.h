@@ -12,6 +12,7 @@
 #include "core/backup/BackupQueue.h"
 #include "core/backup/BackupView.h"
 #include "core/backup/DriveRecovery.h"
+#include "core/backup/RightOfWay.h"
 #include "core/base/BackgroundJobs.h"
 #include "core/base/Clock.h"
 #include "core/base/Files.h"
@@ -70,6 +71,8 @@ class Backup : public QObject {
   std::shared_ptr<PendingPhotos> pendingPhotos() const {
     return isSetUp() ? _backupQueue.pending() : nullptr;
   }
+  // What comes from the camera goes before the copies.
+  RightOfWay& rightOfWay() { return _rightOfWay; }
   // A photo has been filed under this absolute path.
   void backupSavedFile(const QString& path);
   // Starts the next copy where that is possible; safe to call at any time.
@@ -121,6 +124,7 @@ class Backup : public QObject {
   Preferences& _preferences;
   BackupSurroundings _surroundings;
   DriveRecovery _recovery;
+  RightOfWay _rightOfWay;
   BackupQueue _backupQueue;
 
   QString _backupDir;

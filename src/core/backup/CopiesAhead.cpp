@@ -90,7 +90,8 @@ void flushElsewhere(Files::FlushOfCopy flush, std::promise<Flushed> promise) {
 // What the thread that waits and the one that copies hold together.
 class CopiesAhead::Line : public std::enable_shared_from_this<CopiesAhead::Line> {
  public:
-  Line(Files& files, std::chrono::milliseconds quick) : _files(files), _quick(quick) {}
+  Line(Files& files, std::shared_ptr<const Gate> gate, std::chrono::milliseconds quick)
+      : _files(files), _gate(std::move(gate)), _quick(quick) {}
 
   Result<void> copy(const CopyPlace& place, const struct stat& source, const std::vector<CopyPlace>& next);
   void keepOnly(const std::vector<CopyPlace>& wanted);
@@ -113,6 +114,7 @@ class CopiesAhead::Line : public std::enable_shared_from_this<CopiesAhead::Line>
   void giveUpGoingAhead();
 
   Files& _files;
+  const std::shared_ptr<const Gate> _gate;
   const std::chrono::milliseconds _quick;
   std::mutex _mutex;  // guards everything below
   std::condition_variable _changed;
@@ -127,6 +129,7 @@ class CopiesAhead::Line : public std::enable_shared_from_this<CopiesAhead::Line>
 
 Result<void> CopiesAhead::Line::copy(const CopyPlace& place, const struct stat& source,
                                      const std::vector<CopyPlace>& next) {
+  _gate->waitUntilOpen();
   std::unique_lock lock(_mutex);
   _current = CopyPlace(place);  // the race checker does not see into an assignment that Qt does
   if (isBegun(place)) {
@@ -258,7 +261,7 @@ bool CopiesAhead::Line::make(std::unique_lock<std::mutex>& lock, const Wanted& w
 
 // An empty photo holds up those behind it.
 bool CopiesAhead::Line::mayGoAhead(const CopyPlace& place, const struct stat& source) const {
-  if (mayShareAName(place, _current)) return false;
+  if (!_gate->isOpen() || mayShareAName(place, _current)) return false;
   std::uint64_t bytes = bytesOf(source);
   for (const Copy& copy : _copies) {
     if (mayShareAName(place, copy.place)) return false;
@@ -269,8 +272,8 @@ bool CopiesAhead::Line::mayGoAhead(const CopyPlace& place, const struct stat& so
 
 // ----
 
-CopiesAhead::CopiesAhead(Files& files, std::chrono::milliseconds quick)
-    : _line(std::make_shared<Line>(files, quick)), _files(files) {}
+CopiesAhead::CopiesAhead(Files& files, std::shared_ptr<const Gate> gate, std::chrono::milliseconds quick)
+    : _line(std::make_shared<Line>(files, std::move(gate), quick)), _files(files) {}
 
 Result<void> CopiesAhead::copy(const CopyPlace& place, const struct stat& source,
                                const std::vector<CopyPlace>& next) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "core/base/Files.h"
+#include "core/base/Gate.h"
 
 namespace ambrel {
 
@@ -30,6 +31,8 @@ struct CopyPlace {
 // and the flushes, each on a thread of its own too, share what the drive does. Only as far ahead as the
 // limits below, and only on a drive that was quick with the copy before.
 //
+// Begins nothing while the gate is shut: a copy that is asked for waits until it opens.
+//
 // Also remembers the folders in which copies have come to their names, for one flush of many.
 //
 // For one thread at a time. Threads that hang on a drive that is gone use `files` for as long as they hang.
@@ -40,7 +43,7 @@ class CopiesAhead {
   static constexpr std::chrono::milliseconds kQuick{200};
   static constexpr std::chrono::milliseconds kMaxAgeOfNames{300};
 
-  explicit CopiesAhead(Files& files, std::chrono::milliseconds quick = kQuick);
+  CopiesAhead(Files& files, std::shared_ptr<const Gate> gate, std::chrono::milliseconds quick = kQuick);
 
   // Whether a drive is quick enough to go ahead on, by a copy that took so long while so many, itself
   // included, were on their way: they share the drive, and so the time.

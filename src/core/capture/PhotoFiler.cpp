@@ -67,6 +67,10 @@ class PhotoFiler::QueuedPaths {
     const std::lock_guard lock(_mutex);
     _paths.remove(path);
   }
+  bool isEmpty() {
+    const std::lock_guard lock(_mutex);
+    return _paths.isEmpty();
+  }
 
  private:
   std::mutex _mutex;
@@ -245,6 +249,10 @@ void PhotoFiler::handleDownloadedPath(const QString& path) {
       }
     });
   });
+}
+
+bool PhotoFiler::hasQueued() const {
+  return !_renameQueuedPaths->isEmpty();
 }
 
 bool PhotoFiler::finishQueued(std::chrono::milliseconds limit) {

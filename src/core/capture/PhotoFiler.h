@@ -51,6 +51,8 @@ class PhotoFiler : public QObject {
 
   // Queues a download for filing. A path that is queued already is ignored.
   void handleDownloadedPath(const QString& path);
+  // Whether a download is waiting, or being filed.
+  bool hasQueued() const;
   // Files what is queued, for at most `limit`; whether nothing was left. For use when quitting: the main
   // thread goes on serving the filing thread meanwhile.
   bool finishQueued(std::chrono::milliseconds limit);

@@ -93,6 +93,8 @@ class CameraConnection : public QObject {
   const CameraPill& pill() const { return _pill; }
 
  Q_SIGNALS:
+  // The camera has taken a photo, which may come next or stay where it is.
+  void photoAnnounced();
   void downloaded(const QString& path);
   void watchingConfirmed();  // from now on the worker fetches every photo that is taken
   void connectStarted();     // warnings that show once per connection are due again

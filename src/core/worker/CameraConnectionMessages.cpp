@@ -45,6 +45,7 @@ void CameraConnection::handleWorkerLine(const QString& line) {
     case Message::Kind::WarnCardMissing:
       return warnOfMissingCard();
     case Message::Kind::CaptureEvent:
+      Q_EMIT photoAnnounced();
       return warnIfPhysicalCaptureIsNotReady();
     case Message::Kind::Downloaded:
       Q_EMIT downloaded(std_to_ns(message.payload));

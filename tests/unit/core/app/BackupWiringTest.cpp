@@ -53,6 +53,23 @@ TEST_F(BackupWiring, BacksUpAPhotoAtTheEndOfItsRoad) {
   EXPECT_EQ(session.app->statusLine().text(), "Saved: Bob_0001.JPG");
 }
 
+TEST_F(BackupWiring, LetsAPhotoGoFirstFromItsAnnouncementUntilItIsFiled) {
+  switchOn();
+  const std::shared_ptr<const Gate> gate = session.app->backup().rightOfWay().gate();
+  session.link.say("CAPTURE_EVENT|");
+  EXPECT_FALSE(gate->isOpen());
+  session.download("IMG_1.JPG", "photo");
+  EXPECT_TRUE(gate->isOpen());
+  ASSERT_TRUE(untilEmpty());
+}
+
+TEST_F(BackupWiring, LetsADownloadGoFirstThatNobodyAnnouncedAlsoIfItCannotBeFiled) {
+  const std::shared_ptr<const Gate> gate = session.app->backup().rightOfWay().gate();
+  session.link.say("DOWNLOADED|" + session.path("gone.JPG").toUtf8());
+  EXPECT_FALSE(gate->isOpen());
+  EXPECT_TRUE(runEventsUntil([&] { return gate->isOpen(); }));
+}
+
 TEST_F(BackupWiring, FindsMissingPhotosByTheExtensionsThatAreCounted) {
   session.download("IMG_1.CR3", "photo");
   session.writeFile(session.path("Photos/Bob/Bob_0001.xmp"), "no photo");

@@ -52,7 +52,7 @@ class BackupCopyTest : public ::testing::Test {
   QTemporaryDir folder;
   PosixFiles realFiles;
   BrokenFiles files{realFiles};
-  CopiesAhead ahead{files};
+  CopiesAhead ahead{files, std::make_shared<Gate>()};
   const QString kCopy = "Copies/Ann/Ann_0001.JPG";
   const QString kTemporary = "Copies/Ann/Ann_0001.JPG.ambrel_tmp";
 };

@@ -677,6 +677,22 @@ TEST_F(BackupTest, ForgetsAPhotoWhoseFilingEndedAfterItWasSwitchedOff) {
   EXPECT_TRUE(backup->queue().isEmpty());
 }
 
+// ---- Photos that come
+
+TEST_F(BackupTest, BeginsNoCopyWhileAPhotoIsOnItsWayFromTheCamera) {
+  switchOn();
+  bool wasOpen = false;
+  files.callBefore(Operation::CopyToNew,
+                   [&](const QString&, const QString&) { wasOpen = backup->rightOfWay().gate()->isOpen(); });
+  backup->rightOfWay().photoComes();
+  save("a.jpg");
+  ASSERT_TRUE(untilBusy());
+  backup->rightOfWay().photosAreIn();
+  ASSERT_TRUE(untilEmpty());
+  EXPECT_TRUE(wasOpen);
+  EXPECT_EQ(copyOf("a.jpg"), "photo");
+}
+
 // ---- Quitting
 
 TEST_F(BackupTest, NeverWaitsForACopyThatHangs) {

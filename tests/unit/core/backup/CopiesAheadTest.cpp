@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <semaphore>
 #include <sys/stat.h>
+#include <thread>
 
 #include "core/backup/CopiesAhead.h"
 #include "core/base/PosixFiles.h"
@@ -73,7 +74,8 @@ class CopiesAheadTest : public ::testing::Test {
   QTemporaryDir folder;
   PosixFiles realFiles;
   BrokenFiles files{realFiles};
-  std::unique_ptr<CopiesAhead> ahead = std::make_unique<CopiesAhead>(files, kAnyDriveIsQuick);
+  std::shared_ptr<Gate> gate = std::make_shared<Gate>();
+  std::unique_ptr<CopiesAhead> ahead = std::make_unique<CopiesAhead>(files, gate, kAnyDriveIsQuick);
 };
 
 }  // namespace
@@ -117,7 +119,7 @@ TEST_F(CopiesAheadTest, NeverReturnsBeforeACopyThatWasMadeAheadIsFlushed) {
 }
 
 TEST_F(CopiesAheadTest, DoesNotGoAheadOnASlowDrive) {
-  ahead = std::make_unique<CopiesAhead>(files, 0ms);
+  ahead = std::make_unique<CopiesAhead>(files, gate, 0ms);
   copyAFirstOne();
   ASSERT_TRUE(copy(photo("a"), photos({"b"})));
   EXPECT_TRUE(ahead->isEmpty());
@@ -137,6 +139,39 @@ TEST_F(CopiesAheadTest, DoesNotGoAheadAfterAFailure) {
   EXPECT_EQ(copy(photo("a")).error(), "broken");
   ASSERT_TRUE(copy(photo("a"), photos({"b"})));
   EXPECT_TRUE(ahead->isEmpty());
+}
+
+TEST_F(CopiesAheadTest, BeginsNoCopyWhileTheGateIsShut) {
+  const CopyPlace place = photo("a");
+  bool wasOpen = false;
+  files.callBefore(Operation::CopyToNew, [&](const QString&, const QString&) { wasOpen = gate->isOpen(); });
+  gate->shut();
+  std::binary_semaphore asked{0};
+  std::thread job([&] {
+    asked.release();
+    EXPECT_TRUE(copy(place));
+  });
+  asked.acquire();
+  for (int i = 0; i < 1000; ++i)
+    std::this_thread::yield();
+  gate->open();
+  job.join();
+  EXPECT_TRUE(wasOpen);
+  EXPECT_EQ(copiesBegun(), 1);
+}
+
+TEST_F(CopiesAheadTest, GoesNoFurtherAheadOnceTheGateIsShutAndKeepsWhatItHas) {
+  copyAFirstOne();
+  const std::vector<CopyPlace> next = photos({"b", "c"});
+  files.callBefore(Operation::CopyToNew, [&](const QString& from, const QString&) {
+    if (from == next[0].source) gate->shut();
+  });
+  flushUntilCopied(2);
+  ASSERT_TRUE(copy(photo("a"), next));
+  gate->open();
+  ASSERT_TRUE(copy(next[0]));
+  EXPECT_TRUE(ahead->isEmpty());
+  EXPECT_EQ(copiesBegun(), 3);
 }
 
 TEST_F(CopiesAheadTest, GoesOnlySoManyPhotosAhead) {

@@ -33,6 +33,16 @@ TEST_F(PhotoFilerTest, FilesAPhotoUnderTheSelectedNameAndCountsItOnItsRow) {
   EXPECT_TRUE(failures.empty());
 }
 
+TEST_F(PhotoFilerTest, KnowsOfEveryDownloadUntilItIsFiledOrHasFailed) {
+  EXPECT_FALSE(filer->hasQueued());
+  filer->handleDownloadedPath(download("IMG_0001.JPG"));
+  filer->handleDownloadedPath(inDownloads("gone.JPG"));
+  EXPECT_TRUE(filer->hasQueued());
+  ASSERT_TRUE(filer->finishQueued(kLongEnough));
+  EXPECT_FALSE(filer->hasQueued());
+  EXPECT_EQ(filed.size() + failures.size(), 2U);
+}
+
 TEST_F(PhotoFilerTest, SavesThePreferencesWithEveryNumber) {
   settings.setCounterText("50");
   file(download("a.JPG"));
