@@ -37,9 +37,10 @@ namespace {
 
 constexpr std::size_t kRounds = 4;
 constexpr int kQueued = 5'000;
+constexpr std::size_t kFilings = 400;  // of each kind at least
 constexpr int kFiledPerRound = 25;
-constexpr int kFilingRounds = 12;
-constexpr int kBusyPhotos = 120;  // outlast the filing
+constexpr int kBusyPhotos = 240;
+constexpr qsizetype kStillToCopy = 20;  // so that a backup at work is one until the photo is filed
 // A photo of 8 MB takes that long from its announcement on at the fastest connections that cameras have, 100
 // MB a second.
 constexpr std::chrono::milliseconds kDownload{80};
@@ -369,12 +370,6 @@ FilingWitness witnessOf(const Backup& backup) {
           .didNotFile = [pending](const QString& path) { pending->settle(path); }};
 }
 
-// What it still copies is not to meet the next round.
-void finish(const Backup& backup) {
-  require(backup.state().busy, "the backup did not last as long as the filing");
-  waitUntilEmpty(backup);
-}
-
 // A thread that does nothing but answer, as the filing thread would if a photo took it no time: what the
 // machine leaves to threads that wake one another.
 class Echo {
@@ -410,7 +405,8 @@ struct FilingTimes {
   std::vector<double> waking;  // another thread, and being woken by it
 };
 
-// Files photos one after the other, each announced by the camera as long before as its download takes.
+// Files photos one after the other, each announced by the camera as long before as its download takes; beside
+// a running backup for as long as it has enough to do.
 void fileBeside(BackupAtWork work, const QString& folder, FilingTimes& times) {
   QTemporaryDir home(folder + QStringLiteral("/filing-XXXXXX"));
   const QString target = home.filePath(QStringLiteral("target"));
@@ -440,6 +436,7 @@ void fileBeside(BackupAtWork work, const QString& folder, FilingTimes& times) {
       QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
   }
   for (int i = 0; i < kFiledPerRound; ++i) {
+    if (isRunning(work) && backup.queue().size() < kStillToCopy) break;
     if (work != BackupAtWork::RunningUnannounced) {
       serveEventsFor(kBetweenPhotos);
       backup.rightOfWay().photoComes();
@@ -455,12 +452,17 @@ void fileBeside(BackupAtWork work, const QString& folder, FilingTimes& times) {
       while (filed <= i)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }));
+    require(!isRunning(work) || backup.state().busy, "the backup did not last as long as the filing");
     backup.rightOfWay().photosAreIn();
     if (const auto pending = backup.pendingPhotos()) pending->settle(lastFiled);
   }
-  if (isRunning(work)) finish(backup);
-  backup.stop();
+  // What is still being copied is not to meet the next round.
+  backup.photosWillMove();
   hanging.letGo();
+  bool atRest = false;
+  backup.whenAtRest([&] { atRest = true; });
+  while (!atRest)
+    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
 void measureFiling(Goals& goals, const QString& folder) {
@@ -470,7 +472,7 @@ void measureFiling(Goals& goals, const QString& folder) {
   FilingTimes unannounced;
   FilingTimes hung;
   FilingTimes plain;
-  for (int round = 0; round < kFilingRounds; ++round) {
+  while (running.filing.size() < kFilings || unannounced.filing.size() < kFilings) {
     fileBeside(BackupAtWork::Idle, folder, idle);
     fileBeside(BackupAtWork::Running, folder, running);
     fileBeside(BackupAtWork::RunningUnannounced, folder, unannounced);
