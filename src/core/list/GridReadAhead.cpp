@@ -26,7 +26,7 @@ GridReadAhead::Outcome GridReadAhead::read(const QString& path) {
   Outcome outcome{stateOf(path), {}};
   std::optional<std::vector<Row>> rows = outcome.state ? readGrid(path) : std::nullopt;
   if (!rows) return outcome;
-  QSet<QString> duplicates = duplicateNamesAmong(*rows);
+  DuplicateNames duplicates = duplicateNamesAmong(*rows);
   outcome.list = List{std::move(*rows), std::move(duplicates)};
   return outcome;
 }

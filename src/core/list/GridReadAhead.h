@@ -17,7 +17,7 @@ class GridReadAhead {
   void start(const QString& path);
   struct List {
     std::vector<Row> rows;
-    QSet<QString> duplicates;  // duplicateNamesAmong the rows
+    DuplicateNames duplicates;  // duplicateNamesAmong the rows
   };
   // The list, once. None where nothing was begun, the file could not be read, or it is no longer the one that
   // was read: then it has to be read anew.
