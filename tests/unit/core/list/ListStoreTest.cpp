@@ -176,8 +176,10 @@ TEST_F(ListStoreTest, HasWrittenWhenItReturnsAndFlushesBehindOnAnotherThread) {
 
 TEST_F(ListStoreOnABusyDisk, IsNotWaitedFor) {
   EXPECT_TRUE(add("Anna"));
+  EXPECT_FALSE(impatient.finishWritingWithin(std::chrono::milliseconds(1)));
   EXPECT_FALSE(impatient.exists());
   letTheDiskGoOn();
+  EXPECT_TRUE(impatient.finishWritingWithin(std::chrono::milliseconds(0)));
   EXPECT_EQ(impatient.load(), (Rows{{"Anna", "", "0", ""}}));
 }
 
