@@ -17,6 +17,7 @@
 #include "core/list/ListStore.h"
 #include "core/list/NameList.h"
 #include "support/Benchmark.h"
+#include "support/Turns.h"
 
 namespace ambrel::bench {
 namespace {
@@ -74,30 +75,37 @@ void measureStore(Goals& goals, const QString& folder) {
   FlushWatch files;
   const Locations locations = Locations::below(folder);
   ListStore store(files, locations);
-  std::vector<double> whole;
+  int change = 0;
   std::vector<double> onMain;
-  std::vector<double> limit;
-  std::vector<double> textStream;
-  std::vector<double> load;
-  for (int round = 0; round < kRounds; ++round) {
-    limit.push_back(millisecondsOf([&] { writeAndFlush(folder + QStringLiteral("/limit"), ready); }));
-    grid.setCaptured(round + 1, kRows / 2);
-    whole.push_back(millisecondsOf([&] {
+  const Turn limit = [&] {
+    return millisecondsOf([&] { writeAndFlush(folder + QStringLiteral("/limit"), ready); });
+  };
+  const Turn whole = [&] {
+    grid.setCaptured(++change, kRows / 2);
+    return millisecondsOf([&] {
       onMain.push_back(millisecondsOf([&] { require(store.save(grid), "store not saved"); }));
       store.finishFlush();
-    }));
-    textStream.push_back(
-        millisecondsOf([&] { writeWithTextStream(folder + QStringLiteral("/peer"), grid.rows()); }));
+    });
+  };
+  const Turn textStream = [&] {
+    return millisecondsOf([&] { writeWithTextStream(folder + QStringLiteral("/peer"), grid.rows()); });
+  };
+  const Turn load = [&] {
     std::optional<std::vector<Row>> loaded;
-    load.push_back(millisecondsOf([&] { loaded = store.load(); }));
+    const double taken = millisecondsOf([&] { loaded = store.load(); });
     require(loaded == grid.rows(), "the store does not hold the list");
-  }
+    return taken;
+  };
+  whole();
+  onMain.clear();
+  const auto taken = inTurns(kRounds, {limit, whole, textStream, load});
   std::printf("list store, %d rows, %.1f MB\n", kRows, static_cast<double>(ready.size()) / kMegabyte);
-  goals.atMostTimes("one row changed, store written and flushed", whole, "ready buffer + flush", limit, 1.3);
+  goals.atMostTimes("one row changed, store written and flushed", taken[1], "ready buffer + flush", taken[0],
+                    1.3);
   goals.atMost("flushes on the main thread", files.flushedOnMain ? 1 : 0, 0, "");
   goals.mention("  of that on the main thread", onMain);
-  goals.mention("  QTextStream + QSaveFile", textStream);
-  goals.atMost("store loaded", load, 60);
+  goals.mention("  QTextStream + QSaveFile", taken[2]);
+  goals.atMost("store loaded", taken[3], 60);
 }
 
 QByteArray largeImport() {

@@ -284,8 +284,8 @@ void Day::converge() {
   _meter.stop();
 }
 
-// A photo of which nobody expects that it arrives may be on its way even now, and would come between two looks
-// at the folders.
+// A photo of which nobody expects that it arrives may be on its way even now, and would come between two
+// looks at the folders.
 void Day::packUp() {
   _live.app->disconnectCamera();
   const auto lastOneIsFiled = [this] {

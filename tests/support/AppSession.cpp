@@ -6,8 +6,6 @@
 #include <QFile>
 #include <gtest/gtest.h>
 
-#include "support/LongWait.h"
-
 namespace ambrel {
 
 AppSession::AppSession() : locations(Locations::below(folder.filePath("home"))) {
@@ -36,7 +34,8 @@ void AppSession::startApplication() {
                    .releaseHost = releaseHost,
                    .openFolder = [this](const QString& opening) { opened << opening; },
                    .revealFile = [this](const QString& file) { revealed << file; },
-                   .longestWaitForListStore = kAsLongAsItTakes});
+                   .longestWaitForListStore = longestWaitForListStore,
+                   .timeToFinishWhenQuitting = timeToFinishWhenQuitting});
 }
 
 void AppSession::launch() {

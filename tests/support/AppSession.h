@@ -3,10 +3,13 @@
 
 #include <QTemporaryDir>
 #include <QUrl>
+#include <chrono>
 #include <memory>
 
 #include "core/app/AmbrelAppDelegate.h"
 #include "core/base/PosixFiles.h"
+#include "support/BrokenFiles.h"
+#include "support/LongWait.h"
 #include "support/RecordingScreen.h"
 #include "support/ScriptedOperator.h"
 #include "support/TestClock.h"
@@ -42,13 +45,16 @@ class AppSession {
   Locations locations;
   TestClock clock;
   ScriptedOperator operatorSeam;
-  PosixFiles files;
+  PosixFiles realFiles;
+  BrokenFiles files{realFiles};
   TestLink link;
   RecordingScreen screen;
   QStringList opened;                 // folders, in the file manager
   QStringList revealed;               // files
   std::vector<qint64> strayRemovals;  // the own worker's process id at each removal
   QUrl releaseHost;                   // of the next start; empty: no release check
+  std::chrono::milliseconds longestWaitForListStore = kAsLongAsItTakes;   // of the next start
+  std::chrono::milliseconds timeToFinishWhenQuitting = kAsLongAsItTakes;  // of the next start
   std::unique_ptr<AmbrelAppDelegate> app;
 
  private:

@@ -222,10 +222,11 @@ void AmbrelAppDelegate::buildUI() {
 void AmbrelAppDelegate::applicationWillTerminate() {
   if (!_screen) return;
   // Photos that the camera has already delivered are filed before anything is taken down.
-  const QDeadlineTimer deadline(kTimeForPhotosWhenQuitting);
-  _filer.finishQueued(kTimeForPhotosWhenQuitting);
-  _folderRename.finishMirroring(std::chrono::milliseconds(deadline.remainingTime()));
-  _list.saveGridIfUnsaved();
+  const QDeadlineTimer deadline(_surroundings.timeToFinishWhenQuitting);
+  const auto timeLeft = [&deadline] { return std::chrono::milliseconds(deadline.remainingTime()); };
+  _filer.finishQueued(timeLeft());
+  _folderRename.finishMirroring(timeLeft());
+  _list.finishSaving(timeLeft());
   savePersistentPaths();
   _clock.cancel(_saveAgainTimer);
   _storage.stopTimer();

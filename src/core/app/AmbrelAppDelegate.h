@@ -51,6 +51,8 @@ struct Surroundings {
   std::function<void(const QString& file)> revealFile = [](const QString&) {};
   // For how long a change of the list waits until it is in its file.
   std::chrono::milliseconds longestWaitForListStore = ListStore::kLongestWait;
+  // Of the two seconds that quitting may take, what photos and list get; the rest is for what follows.
+  std::chrono::milliseconds timeToFinishWhenQuitting{1700};
 };
 
 // The composition root: holds every subsystem, connects them in one place, and runs the launch and shut-down
@@ -61,9 +63,7 @@ class AmbrelAppDelegate : public QObject {
  public:
   static constexpr std::chrono::milliseconds kSplashTime{1150};
   static constexpr std::chrono::milliseconds kReleaseCheckDelay{3000};  // after the window is built
-  // Of the two seconds that quitting may take; the rest is for what follows.
-  static constexpr std::chrono::milliseconds kTimeForPhotosWhenQuitting{1700};
-  static constexpr std::chrono::seconds kSaveAgainPeriod{20};  // a list that could not be saved
+  static constexpr std::chrono::seconds kSaveAgainPeriod{20};           // a list that could not be saved
 
   AmbrelAppDelegate(Clock& clock, Operator& operatorSeam, Files& files, WorkerLink& link,
                     const Surroundings& surroundings);

@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "core/backup/BackupCopy.h"
+#include "core/base/FileTimes.h"
 
 namespace ambrel {
 namespace {
@@ -36,18 +37,10 @@ void clearAway(Files& files, const QString& path) {
   if (!files.remove(path)) ::rmdir(QFile::encodeName(path).constData());
 }
 
-timespec changeOf(const struct stat& status) {
-#ifdef __APPLE__
-  return status.st_mtimespec;
-#else
-  return status.st_mtim;
-#endif
-}
-
 // By everything that changes with the content of a file.
 bool isSameFile(const struct stat& one, const struct stat& other) {
   return one.st_dev == other.st_dev && one.st_ino == other.st_ino && one.st_size == other.st_size &&
-         changeOf(one).tv_sec == changeOf(other).tv_sec && changeOf(one).tv_nsec == changeOf(other).tv_nsec;
+         isSameTime(contentTime(one), contentTime(other));
 }
 
 std::uint64_t bytesOf(const struct stat& status) {

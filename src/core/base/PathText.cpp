@@ -57,4 +57,12 @@ std::string ns_to_path(const QString& path) {
   return bytes;
 }
 
+std::string nameOf(const std::string& path) {
+  return path.substr(path.rfind('/') + 1);
+}
+
+std::string renamedPath(const std::string& path, const std::string& newName) {
+  return path.substr(0, path.rfind('/') + 1) + newName;
+}
+
 }  // namespace ambrel

@@ -12,4 +12,8 @@ namespace ambrel {
 QString path_to_ns(std::string_view bytes);
 std::string ns_to_path(const QString& path);
 
+// The last part of an absolute path, as bytes; and the path with another one.
+std::string nameOf(const std::string& path);
+std::string renamedPath(const std::string& path, const std::string& newName);
+
 }  // namespace ambrel

@@ -88,14 +88,6 @@ RenameOutcome rename(Files& files, const std::string& folder, const std::string&
 
 }  // namespace
 
-std::string nameOf(const std::string& path) {
-  return path.substr(path.rfind('/') + 1);
-}
-
-std::string renamedPath(const std::string& path, const std::string& newName) {
-  return path.substr(0, path.rfind('/') + 1) + newName;
-}
-
 std::vector<FileMove> movesOfMerge(const ListedFolder& source, const ListedFolder& destination,
                                    std::string_view newName) {
   qint64 number = maxNumberedIndex(destination.entries, newName);

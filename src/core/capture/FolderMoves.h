@@ -20,10 +20,6 @@ struct FileMove {
   bool operator==(const FileMove&) const = default;
 };
 
-// The last part of an absolute path, as bytes; and the path with another one.
-std::string nameOf(const std::string& path);
-std::string renamedPath(const std::string& path, const std::string& newName);
-
 // A folder and the names of its entries in listing order.
 struct ListedFolder {
   std::string path;

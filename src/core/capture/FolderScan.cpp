@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/base/FileTimes.h"
 #include "core/capture/FileNames.h"
 
 namespace ambrel {
@@ -25,30 +26,10 @@ std::optional<std::int64_t> countPhotos(FolderReader& folder) {
   return folder.failed() ? std::nullopt : std::optional(photos);
 }
 
-#ifdef __APPLE__
-const timespec& contentTime(const struct stat& status) {
-  return status.st_mtimespec;
-}
-const timespec& changeTime(const struct stat& status) {
-  return status.st_ctimespec;
-}
-#else
-const timespec& contentTime(const struct stat& status) {
-  return status.st_mtim;
-}
-const timespec& changeTime(const struct stat& status) {
-  return status.st_ctim;
-}
-#endif
-
-bool isSame(const timespec& a, const timespec& b) {
-  return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
-}
-
 // The change time tells of a program that sets the content time back.
 bool isUnchanged(const struct stat& before, const struct stat& now) {
   return before.st_dev == now.st_dev && before.st_ino == now.st_ino &&
-         isSame(contentTime(before), contentTime(now)) && isSame(changeTime(before), changeTime(now));
+         isSameTime(contentTime(before), contentTime(now)) && isSameTime(changeTime(before), changeTime(now));
 }
 
 bool isSettled(const struct stat& status, system_clock::time_point now) {

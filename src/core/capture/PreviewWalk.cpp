@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/base/FileTimes.h"
 #include "core/base/FolderReader.h"
 #include "core/base/PathText.h"
 #include "core/capture/FileNames.h"
@@ -22,11 +23,8 @@ struct DatedPhoto {
 
 std::int64_t contentDate(const struct stat& status) {
   constexpr std::int64_t kNanoseconds = 1'000'000'000;
-#ifdef __APPLE__
-  return status.st_mtimespec.tv_sec * kNanoseconds + status.st_mtimespec.tv_nsec;
-#else
-  return status.st_mtim.tv_sec * kNanoseconds + status.st_mtim.tv_nsec;
-#endif
+  const timespec time = contentTime(status);
+  return time.tv_sec * kNanoseconds + time.tv_nsec;
 }
 
 // A pipe would hold whoever opens it, so only a file, or a link to one, is a photo. One that vanishes between

@@ -1,24 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/list/GridReadAhead.h"
 
-#include <filesystem>
 #include <sys/stat.h>
 #include <thread>
 #include <utility>
 
+#include "core/base/FileTimes.h"
 #include "core/base/PathText.h"
 #include "core/list/GridFile.h"
 
 namespace ambrel {
 
 std::optional<GridReadAhead::State> GridReadAhead::stateOf(const QString& path) {
-  const std::string bytes = ns_to_path(path);
   struct stat status = {};
-  std::error_code error;
-  const auto changed = std::filesystem::last_write_time(bytes, error);
-  if (error || ::stat(bytes.c_str(), &status) != 0) return std::nullopt;
-  return State{changed.time_since_epoch().count(), static_cast<std::uintmax_t>(status.st_size),
-               status.st_ino};
+  if (::stat(ns_to_path(path).c_str(), &status) != 0) return std::nullopt;
+  const timespec changed = contentTime(status);
+  return State{changed.tv_sec, changed.tv_nsec, status.st_size, status.st_ino};
 }
 
 // The state from before the reading: a file that changes meanwhile does not match it later.
@@ -26,7 +23,7 @@ GridReadAhead::Outcome GridReadAhead::read(const QString& path) {
   Outcome outcome{stateOf(path), {}};
   std::optional<std::vector<Row>> rows = outcome.state ? readGrid(path) : std::nullopt;
   if (!rows) return outcome;
-  QSet<QString> duplicates = duplicateNamesAmong(*rows);
+  DuplicateNames duplicates = duplicateNamesAmong(*rows);
   outcome.list = List{std::move(*rows), std::move(duplicates)};
   return outcome;
 }

@@ -17,7 +17,7 @@ class GridReadAhead {
   void start(const QString& path);
   struct List {
     std::vector<Row> rows;
-    QSet<QString> duplicates;  // duplicateNamesAmong the rows
+    DuplicateNames duplicates;  // duplicateNamesAmong the rows
   };
   // The list, once. None where nothing was begun, the file could not be read, or it is no longer the one that
   // was read: then it has to be read anew.
@@ -27,8 +27,9 @@ class GridReadAhead {
  private:
   // Differs from that of any other state of the file.
   struct State {
-    std::int64_t changed = 0;  // in ticks of the file system's clock
-    std::uintmax_t size = 0;
+    std::int64_t seconds = 0;  // of the last change of its content
+    std::int64_t nanoseconds = 0;
+    std::int64_t size = 0;
     std::uintmax_t number = 0;  // of the file on its volume
     bool operator==(const State&) const = default;
   };

@@ -44,6 +44,8 @@ class ListStore {
   void remove();
   // Returns when the file holds the list that was saved last.
   void finishWriting() { _writer.finish(); }
+  // The same, but for no longer than this; whether it does, or could not be written.
+  bool finishWritingWithin(std::chrono::milliseconds longest) { return _writer.finishWithin(longest); }
   // Returns when everything that was saved is on the disk.
   void finishFlush();
 

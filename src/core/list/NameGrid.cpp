@@ -2,10 +2,7 @@
 #include "core/list/NameGrid.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstdlib>
-#include <functional>
-#include <string_view>
 #include <utility>
 
 #include "core/base/Text.h"
@@ -19,38 +16,19 @@ const std::string kMissing;
 // More changed rows than this are not worth telling apart.
 constexpr std::size_t kMostChangesTold = 16;
 
+const std::string& nameIn(const Row& row) {
+  return row.empty() ? kMissing : row.front();
+}
+
 }  // namespace
 
-QSet<QString> duplicateNamesAmong(const std::vector<Row>& rows) {
-  QByteArray names;
-  std::vector<qsizetype> ends{0};
-  ends.reserve(rows.size() + 1);
+DuplicateNames duplicateNamesAmong(const std::vector<Row>& rows) {
+  DuplicateNames names(rows.size());
   for (const Row& row : rows) {
-    if (!row.empty()) append_lower_cased(names, row.front());
-    ends.push_back(names.size());
+    const bool counted = names.add(nameIn(row));
+    Q_ASSERT(counted);
   }
-  const auto nameAt = [&](std::size_t row) {
-    return std::string_view(names.constData() + ends[row],
-                            static_cast<std::size_t>(ends[row + 1] - ends[row]));
-  };
-  // Row plus one by name, 0 where there is none, in a flat table: a node for each of many thousand names
-  // would cost more than all else here.
-  std::vector<std::uint32_t> firstWithName(std::bit_ceil(2 * rows.size() + 1));
-  const std::size_t mask = firstWithName.size() - 1;
-  QSet<QString> duplicates;
-  for (std::size_t row = 0; row < rows.size(); ++row) {
-    const std::string_view name = nameAt(row);
-    if (name.empty()) continue;
-    std::size_t slot = std::hash<std::string_view>()(name) & mask;
-    while (firstWithName[slot] != 0 && nameAt(firstWithName[slot] - 1) != name)
-      slot = (slot + 1) & mask;
-    if (firstWithName[slot] != 0) {
-      duplicates.insert(std_to_ns(name));
-    } else {
-      firstWithName[slot] = static_cast<std::uint32_t>(row + 1);
-    }
-  }
-  return duplicates;
+  return names;
 }
 
 const std::string& NameGrid::bytes(std::int64_t modelRow, Cell cell) const {
@@ -68,8 +46,10 @@ void NameGrid::setBytes(std::int64_t modelRow, Cell cell, std::string value) {
   if (!contains(modelRow)) return;
   Row& row = _rows[static_cast<std::size_t>(modelRow)];
   const auto index = static_cast<std::size_t>(cell);
+  if (cell == Cell::Name) nameGoes(row);
   if (row.size() <= index) row.resize(index + 1);
   row[index] = std::move(value);
+  if (cell == Cell::Name) nameComes(row);
   if (_changedRows.size() == kMostChangesTold) _changedRows.erase(_changedRows.begin());
   _changedRows.push_back(modelRow);
   ++_revision;
@@ -93,38 +73,47 @@ void NameGrid::setMarker(bool marked, std::int64_t modelRow) {
 }
 
 const QSet<QString>& NameGrid::duplicateNameSet() const {
-  if (_duplicatesOfRevision != _namesRevision) {
-    _duplicates = duplicateNamesAmong(_rows);
-    _duplicatesOfRevision = _namesRevision;
-  }
-  return _duplicates;
+  if (!_duplicates) _duplicates = duplicateNamesAmong(_rows);
+  return _duplicates->lowerCased();
+}
+
+void NameGrid::nameComes(const Row& row) {
+  if (_duplicates && !_duplicates->add(nameIn(row))) _duplicates.reset();
+}
+
+void NameGrid::nameGoes(const Row& row) {
+  if (_duplicates) _duplicates->remove(nameIn(row));
 }
 
 void NameGrid::append(Row row) {
+  nameComes(row);
   _rows.push_back(std::move(row));
   rowsChanged();
 }
 
 void NameGrid::insert(std::int64_t position, Row row) {
+  nameComes(row);
   _rows.insert(_rows.begin() + std::clamp<std::int64_t>(position, 0, rowCount()), std::move(row));
   rowsChanged();
 }
 
 void NameGrid::remove(std::int64_t modelRow) {
   if (!contains(modelRow)) return;
-  _rows.erase(_rows.begin() + modelRow);
+  const auto row = _rows.begin() + modelRow;
+  nameGoes(*row);
+  _rows.erase(row);
   rowsChanged();
 }
 
 void NameGrid::replaceAll(std::vector<Row> rows) {
   _rows = std::move(rows);
+  _duplicates.reset();
   rowsChanged();
 }
 
-void NameGrid::replaceAll(std::vector<Row> rows, QSet<QString> duplicates) {
+void NameGrid::replaceAll(std::vector<Row> rows, DuplicateNames duplicates) {
   replaceAll(std::move(rows));
   _duplicates = std::move(duplicates);
-  _duplicatesOfRevision = _namesRevision;
 }
 
 void NameGrid::rowsChanged() {

@@ -4,8 +4,11 @@
 #include <QSet>
 #include <QString>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
+
+#include "core/list/DuplicateNames.h"
 
 namespace ambrel {
 
@@ -13,8 +16,8 @@ namespace ambrel {
 // are UTF-8 and may be missing; readers give the default of a missing cell.
 using Row = std::vector<std::string>;
 
-// Lower-cased names (Unicode) that two or more rows share; empty names do not count.
-QSet<QString> duplicateNamesAmong(const std::vector<Row>& rows);
+// The names of all rows, counted.
+DuplicateNames duplicateNamesAmong(const std::vector<Row>& rows);
 
 enum class Cell : std::size_t { Name = 0, Note = 1, Captured = 2, Marker = 3 };
 
@@ -46,7 +49,8 @@ class NameGrid {
   bool markerForModelRow(std::int64_t modelRow) const;
   void setMarker(bool marked, std::int64_t modelRow);
 
-  // duplicateNamesAmong the rows; found once for all names as they stand.
+  // Lower-cased names (Unicode) that two or more rows share; empty names do not count. After a change of one
+  // row it is at hand; after one of the whole list, or at first, all names are counted.
   const QSet<QString>& duplicateNameSet() const;
   // Another number after every change of a name, and of which rows there are or their order; never 0.
   std::uint64_t namesRevision() const { return _namesRevision; }
@@ -60,18 +64,19 @@ class NameGrid {
   void remove(std::int64_t modelRow);
   void replaceAll(std::vector<Row> rows);
   // With what duplicateNamesAmong has found in the rows.
-  void replaceAll(std::vector<Row> rows, QSet<QString> duplicates);
+  void replaceAll(std::vector<Row> rows, DuplicateNames duplicates);
   void clear() { replaceAll({}); }
 
  private:
+  void nameComes(const Row& row);
+  void nameGoes(const Row& row);
   void rowsChanged();
 
   std::vector<Row> _rows;
   std::vector<std::int64_t> _changedRows;  // by the last changes, one each
   std::uint64_t _revision = 1;
   std::uint64_t _namesRevision = 1;
-  mutable QSet<QString> _duplicates;
-  mutable std::uint64_t _duplicatesOfRevision = 1;  // of the names; an empty grid has none
+  mutable std::optional<DuplicateNames> _duplicates;  // none until they are asked for
 };
 
 }  // namespace ambrel

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/list/NameList.h"
 
+#include <QDeadlineTimer>
 #include <algorithm>
 #include <limits>
 
@@ -199,6 +200,17 @@ bool NameList::saveGridToDisk() {
 
 void NameList::saveGridIfUnsaved() {
   if (_store.isUnsaved()) saveGridToDisk();
+}
+
+void NameList::finishSaving(std::chrono::milliseconds limit) {
+  const QDeadlineTimer deadline(limit);
+  const auto isWritten = [&] {
+    return _store.finishWritingWithin(std::chrono::milliseconds(deadline.remainingTime()));
+  };
+  saveGridIfUnsaved();
+  if (!isWritten() || !_store.isUnsaved()) return;
+  saveGridToDisk();
+  isWritten();
 }
 
 bool NameList::loadGridFromDisk() {

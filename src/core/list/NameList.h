@@ -3,6 +3,7 @@
 
 #include <QObject>
 #include <QString>
+#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
@@ -86,6 +87,9 @@ class NameList : public QObject {
   bool saveGridToDisk();
   // Nothing where the last save went well.
   void saveGridIfUnsaved();
+  // For the end: waits for a save that is still under way, and saves once more what could not be saved. In
+  // all for no longer than `limit`: a disk that hangs is left alone.
+  void finishSaving(std::chrono::milliseconds limit);
   // Begins to read the list, so that loadGridFromDisk does not wait for the disk.
   void loadGridAhead() { _store.loadAhead(); }
   // False when the store is missing or holds no row.

@@ -4,6 +4,8 @@
 #include <QFileInfo>
 #include <QSettings>
 #include <gtest/gtest.h>
+#include <latch>
+#include <thread>
 
 #include "core/app/AmbrelAppDelegate.h"
 #include "core/app/PathLine.h"
@@ -15,6 +17,7 @@ using namespace std::chrono_literals;
 namespace {
 
 using Alert = ScriptedOperator::Alert;
+using Operation = BrokenFiles::Operation;
 
 // ---- Launch and shut-down
 
@@ -203,6 +206,58 @@ TEST(ListOnAFullDisk, IsForgottenByAReset) {
   session.app->resetWorkflow();
   session.clock.advance(AmbrelAppDelegate::kSaveAgainPeriod);
   EXPECT_FALSE(QFile::exists(session.locations.dataFile("ambrel_grid.csv")));
+}
+
+TEST(ListOnAFailingDisk, IsSavedOnceMoreWhereTheSaveOfQuittingFails) {
+  AppSession session;
+  session.launch();
+  session.importNames({"Anna"});
+  for (const int save : {1, 2})
+    session.files.failCall(Operation::ReplaceUnflushed, save, "Input/output error");
+  session.app->list().setObjectValue("on Friday", Cell::Note, 0);
+  session.quit();
+  EXPECT_TRUE(session.readFile(session.storePath()).contains("on Friday"));
+}
+
+class ListOnAHesitantDisk : public testing::Test {
+ protected:
+  // Nothing is written before the disk goes on, and nobody waits for it until the application quits.
+  void changeTheList(std::chrono::milliseconds timeToFinishWhenQuitting) {
+    session.launch();
+    session.importNames({"Anna"});
+    session.quit();
+    session.longestWaitForListStore = 0ms;
+    session.timeToFinishWhenQuitting = timeToFinishWhenQuitting;
+    session.startApplication();
+    session.launch();
+    session.files.callBefore(Operation::ReplaceUnflushed,
+                             [this](const QString&, const QString&) { goesOn.wait(); });
+    session.app->list().setObjectValue("on Friday", Cell::Note, 0);
+  }
+  bool isSaved() const { return session.readFile(session.storePath()).contains("on Friday"); }
+
+  std::latch goesOn{1};
+  AppSession session;
+};
+
+TEST_F(ListOnAHesitantDisk, IsSavedOnceMoreWhereASaveFailsThatIsUnderWayWhenQuitting) {
+  session.files.failCall(Operation::ReplaceUnflushed, 2, "Input/output error");
+  changeTheList(kAsLongAsItTakes);
+  std::thread disk([this] { goesOn.count_down(); });
+  session.quit();
+  disk.join();
+  EXPECT_TRUE(isSaved());
+  EXPECT_EQ(session.files.calls(Operation::ReplaceUnflushed), 3);
+}
+
+TEST_F(ListOnAHesitantDisk, DoesNotHoldUpQuittingBeyondTheTimeForIt) {
+  changeTheList(1ms);
+  session.quit();
+  EXPECT_FALSE(isSaved());
+  EXPECT_EQ(session.screen.steps.back(), "removeKeyMonitor");
+  goesOn.count_down();
+  session.app.reset();
+  EXPECT_TRUE(isSaved());
 }
 
 TEST(ShutDown, FilesThePhotosThatStillWait) {

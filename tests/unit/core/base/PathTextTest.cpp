@@ -47,5 +47,11 @@ TEST(PathText, ALoneSurrogateThatStandsForNoByteNamesNoOtherFile) {
   EXPECT_FALSE(path.empty());
 }
 
+TEST(PathText, NamesTheLastPartOfAPathAndGivesItAnother) {
+  EXPECT_EQ(nameOf("/Photos/Ann_\xff"), "Ann_\xff");
+  EXPECT_EQ(renamedPath("/Photos/Ann_\xff", "Ben"), "/Photos/Ben");
+  EXPECT_EQ(renamedPath("/Photos", "Ben"), "/Ben");
+}
+
 }  // namespace
 }  // namespace ambrel

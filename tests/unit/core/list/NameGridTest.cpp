@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
+#include <random>
 #include <utility>
 
 #include "core/list/NameGrid.h"
@@ -122,9 +123,55 @@ TEST(NameGrid, FindsDuplicatesAnewAfterANameHasChanged) {
   EXPECT_TRUE(grid.duplicateNameSet().isEmpty());
 }
 
+TEST(NameGrid, FindsTheDuplicatesOfAFreshGridWhateverWasDoneToIt) {
+  const std::vector<Row> rows = {{},        {""},      {"Anna"},         {"ANNA", "front row"},
+                                 {"anna "}, {"José"},  {"JOSÉ"},         {"Jose"},
+                                 {"ΣΟΦΊΑ"}, {"σοφία"}, {"\xef\xbb\xbf"}, {"Zo\xeb"}};
+  std::mt19937 random(1);
+  NameGrid grid;
+  for (int step = 0; step < 5000; ++step) {
+    const auto number = [&](std::int64_t below) { return static_cast<std::int64_t>(random() % below); };
+    const std::int64_t at = number(grid.rowCount() + 2) - 1;
+    const Row row = step % 3 == 0 ? Row{"Somebody " + std::to_string(step)} : rows[random() % rows.size()];
+    const std::string name = row.empty() ? std::string() : row.front();
+    switch (random() % 8) {
+      case 0:
+        grid.append(row);
+        break;
+      case 1:
+        grid.insert(at, row);
+        break;
+      case 2:
+        grid.remove(at);
+        break;
+      case 3:
+      case 4:
+        grid.setBytes(at, Cell::Name, name);
+        break;
+      case 5:
+        grid.setCaptured(step, at);
+        break;
+      case 6: {
+        if (!grid.contains(at)) break;
+        Row moved = grid.rows()[static_cast<std::size_t>(at)];
+        grid.remove(at);
+        grid.insert(number(grid.rowCount() + 1), std::move(moved));
+        break;
+      }
+      default:
+        if (step % 100 == 7) grid.replaceAll(rows);
+    }
+    // Now and then several changes have come since it was asked for.
+    if (number(3) > 0) continue;
+    ASSERT_EQ(grid.duplicateNameSet(), gridOf(grid.rows()).duplicateNameSet()) << "step " << step;
+  }
+}
+
 TEST(NameGrid, TakesTheDuplicatesThatWereFoundInItsRows) {
   NameGrid grid;
-  grid.replaceAll({{"Anna"}, {"anna"}}, {QStringLiteral("anna")});
+  std::vector<Row> rows = {{"Anna"}, {"anna"}};
+  DuplicateNames duplicates = duplicateNamesAmong(rows);
+  grid.replaceAll(std::move(rows), std::move(duplicates));
   EXPECT_EQ(grid.duplicateNameSet(), QSet<QString>{QStringLiteral("anna")});
   grid.setBytes(0, Cell::Name, "Ben");
   EXPECT_TRUE(grid.duplicateNameSet().isEmpty());
