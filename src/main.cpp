@@ -7,9 +7,11 @@
 #include <QUrl>
 #include <cstdio>
 #include <memory>
+#include <unistd.h>
 
 #include "core/app/AmbrelAppDelegate.h"
 #include "core/app/CommandLine.h"
+#include "core/app/QuitDeadline.h"
 #include "core/base/EventLoopGaps.h"
 #include "core/base/PosixFiles.h"
 #include "core/base/SystemClock.h"
@@ -50,6 +52,12 @@ class GapsOnRequest {
   std::unique_ptr<EventLoopGaps> _gaps;
 };
 
+// Without waiting for anybody.
+[[noreturn]] void endAtOnce() {
+  std::fputs("The disk does not answer: ending without what is still to be written.\n", stderr);
+  ::_exit(EXIT_FAILURE);
+}
+
 // The application on `locations` until it is quit; `launched` is called once the launch has begun.
 int runApplication(QApplication& application, const Bundle& bundle, SystemClock& clock,
                    const Locations& locations, const QUrl& releaseHost,
@@ -57,6 +65,7 @@ int runApplication(QApplication& application, const Bundle& bundle, SystemClock&
   // A filing or copying thread may outlive everything else on a drive that hangs: what it uses is never
   // destroyed.
   static PosixFiles files;
+  QuitDeadline deadline(endAtOnce);  // outlives everything that waits for a disk
   ui::Dialogs dialogs;
   ProcessLink link;
   const StrayWorkerMeans means = StrayWorkerMeans::ofTheSystem();
@@ -76,6 +85,7 @@ int runApplication(QApplication& application, const Bundle& bundle, SystemClock&
 
   QuitSignals quitSignals;
   QObject::connect(&quitSignals, &QuitSignals::quitRequested, &application, &QApplication::quit);
+  QObject::connect(&application, &QApplication::aboutToQuit, [&deadline] { deadline.quittingBegins(); });
   QObject::connect(&application, &QApplication::aboutToQuit, &delegate,
                    &AmbrelAppDelegate::applicationWillTerminate);
   application.setQuitOnLastWindowClosed(delegate.applicationShouldTerminateAfterLastWindowClosed());

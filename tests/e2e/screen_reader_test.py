@@ -4,8 +4,8 @@
 
     xvfb-run screen_reader_test.py PROGRAM
 
-Everything goes over the accessibility bus of a session of its own, with a home of its own. The program runs in a process
-namespace, because it ends the workers that it finds. Ends with 77 where this cannot be done.
+Everything goes over the accessibility bus of a session of its own, with a home of its own. Ends with 77 where this cannot
+be done.
 """
 
 import os
@@ -16,17 +16,12 @@ import sys
 import tempfile
 import time
 
-SKIPPED = 77
-PATIENCE = 60  # seconds
+import own_processes
+from own_processes import PATIENCE, skip, skip_without_own_processes, start
+
 INSIDE = "--in-own-session"
-OWN_PROCESSES = ["unshare", "--map-current-user", "--pid", "--fork", "--mount-proc", "--kill-child=TERM"]
 
 LIST = "File Name,Notes,Captured,Marker\nAnna,front row,2,1\nBen,,0,\nCara,,0,\n"
-
-
-def skip(reason):
-    print(f"SKIPPED: {reason}", file=sys.stderr)
-    sys.exit(SKIPPED)
 
 
 try:
@@ -37,16 +32,7 @@ except (ImportError, ValueError) as error:
 
 
 def wait_for(what, condition):
-    end = time.monotonic() + PATIENCE
-    while time.monotonic() < end:
-        try:
-            found = condition()
-        except GLib.Error:  # asked of something that is gone
-            found = None
-        if found:
-            return found
-        time.sleep(0.1)
-    sys.exit(f"FAILED: waited for {what}")
+    return own_processes.wait_for(what, condition, gone=(GLib.Error,))
 
 
 def children(node):
@@ -152,13 +138,7 @@ def check_action(check):
 
 
 def run(program, home):
-    data = home / "data" / "Ambrel Tether"
-    data.mkdir(parents=True)
-    (data / "ambrel_grid.csv").write_text(LIST, encoding="utf-8")
-    environment = os.environ | {
-        "AMBREL_HOME": str(home), "AMBREL_RELEASE_API": "", "AMBREL_CAMERA_PORT": "ptpip:127.0.0.1:9",
-        "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", "QT_QPA_PLATFORM": "xcb"}
-    process = subprocess.Popen(OWN_PROCESSES + [program], env=environment)
+    process = start(program, home, LIST, QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", QT_QPA_PLATFORM="xcb")
     try:
         check = check_until_told(wait_for("the window", find_window), check_controls, check_rows)
         check_action(check)
@@ -177,8 +157,7 @@ def run_in_own_session(program):
         skip("no display")
     if shutil.which("dbus-run-session") is None:
         skip("dbus-run-session is not installed")
-    if subprocess.run(OWN_PROCESSES + ["true"], stderr=subprocess.DEVNULL, check=False).returncode != 0:
-        skip("no process namespace can be made here")
+    skip_without_own_processes()
     home = tempfile.mkdtemp(prefix="ambrel-screen-reader-")
     environment = os.environ | {"HOME": home, "XDG_RUNTIME_DIR": home}
     try:
