@@ -31,11 +31,12 @@
 #include "support/Benchmark.h"
 #include "support/FilingSession.h"
 #include "support/ProcessUse.h"
+#include "support/Turns.h"
 
 namespace ambrel::bench {
 namespace {
 
-constexpr std::size_t kRounds = 4;
+constexpr int kRounds = 4;
 constexpr int kQueued = 5'000;
 constexpr std::size_t kFilings = 400;  // of each kind at least
 constexpr int kFiledPerRound = 25;
@@ -233,31 +234,19 @@ void measureCopies(Goals& goals, const QString& folder, const Photos& photos, co
     run(QStringLiteral("cp"), {"-r", from + QStringLiteral("/Bob"), to});
     run(QStringLiteral("sync"), {"-f", to});
   };
-  std::vector<double> oursTimes;
-  std::vector<double> wholeRoadTimes;
-  std::vector<double> rsyncTimes;
-  std::vector<double> cpTimes;
-  std::vector<double> limitTimes;
-  std::vector<std::pair<CopyAll, std::vector<double>*>> ways = {
-      {ours, &oursTimes}, {wholeRoad, &wholeRoadTimes}, {rsync, &rsyncTimes}};
-  if (wanted.timesCp) ways.emplace_back(copyAndSync, &cpTimes);
-  // What one leaves behind in the disk slows the next one down: in each round another one follows another.
-  for (std::size_t round = 0; round < kRounds; ++round) {
-    for (std::size_t turn = 0; turn < ways.size(); ++turn) {
-      const auto& [way, times] = ways[(turn * (round % 2 == 0 ? 1 : ways.size() - 1) + round) % ways.size()];
-      times->push_back(timeOf(way, folder, photos));
-    }
-  }
-  // Last, for a virtual disk may be slow for seconds after it: 2.8 s instead of 1.3 s for what came next.
-  for (std::size_t round = 0; wanted.besideTheDisk && round < kRounds; ++round)
-    limitTimes.push_back(timeOf(limit, folder, photos));
-  const std::string what = std::to_string(photos.count) + " x " + std::to_string(photos.bytes / 1000) + " KB";
-  goals.atMostTimes(what + ", durable", oursTimes, "rsync --fsync", rsyncTimes, 1 / wanted.timesRsync);
-  if (wanted.timesCp)
-    goals.atMostTimes(what + ", durable", oursTimes, "cp + sync", cpTimes, 1 / *wanted.timesCp);
+  const auto turn = [&](const CopyAll& copyAll) -> Turn {
+    return [&] { return timeOf(copyAll, folder, photos); };
+  };
+  const auto taken = inTurns(kRounds, {turn(ours), turn(wholeRoad), turn(rsync), turn(copyAndSync)});
+  const std::string what =
+      std::to_string(photos.count) + " x " + std::to_string(photos.bytes / 1000) + " KB, durable";
+  goals.atMostTimes(what, taken[0], "rsync --fsync", taken[2], 1 / wanted.timesRsync);
+  if (wanted.timesCp) goals.atMostTimes(what, taken[0], "cp + sync", taken[3], 1 / *wanted.timesCp);
+  // Afterwards, for a virtual disk may be slow for seconds after it: 2.8 s instead of 1.3 s for what came
+  // next.
   if (wanted.besideTheDisk)
-    goals.mention(what + ", durable", oursTimes, "limit: O_DIRECT, no flush", limitTimes);
-  goals.mention(what + ", with the queue, behind other programs", wholeRoadTimes);
+    goals.mention(what, taken[0], "limit: O_DIRECT, no flush", inTurns(kRounds, {turn(limit)})[0]);
+  goals.mention("  with the queue, behind other programs", taken[1]);
   QDir(folder + QStringLiteral("/from")).removeRecursively();
 }
 
