@@ -38,14 +38,15 @@ namespace {
 
 constexpr int kRounds = 4;
 constexpr int kQueued = 5'000;
-constexpr std::size_t kFilings = 400;  // of each kind at least
-constexpr int kFiledPerRound = 25;
+constexpr std::size_t kFilings = 1'600;  // of each kind at least
+constexpr int kPhotosPerBurst = 4;
+constexpr int kBurstsPerRound = 25;
 constexpr int kBusyPhotos = 240;
 constexpr qsizetype kStillToCopy = 20;  // so that a backup at work is one until the photo is filed
 // A photo of 8 MB takes that long from its announcement on at the fastest connections that cameras have, 100
 // MB a second.
 constexpr std::chrono::milliseconds kDownload{80};
-constexpr std::chrono::milliseconds kBetweenPhotos{20};
+constexpr std::chrono::milliseconds kBetweenBursts{20};
 constexpr qsizetype kBusyPhotoBytes = 8 << 20;
 
 struct Photos {
@@ -246,7 +247,7 @@ void measureCopies(Goals& goals, const QString& folder, const Photos& photos, co
   // next.
   if (wanted.besideTheDisk)
     goals.mention(what, taken[0], "limit: O_DIRECT, no flush", inTurns(kRounds, {turn(limit)})[0]);
-  goals.mention("  with the queue, behind other programs", taken[1]);
+  goals.mention(what + ", with the queue, behind other programs", taken[1]);
   QDir(folder + QStringLiteral("/from")).removeRecursively();
 }
 
@@ -394,8 +395,8 @@ struct FilingTimes {
   std::vector<double> waking;  // another thread, and being woken by it
 };
 
-// Files photos one after the other, each announced by the camera as long before as its download takes; beside
-// a running backup for as long as it has enough to do.
+// Files bursts of photos, each announced by the camera as long before as its first download takes; beside a
+// running backup for as long as it has enough to do.
 void fileBeside(BackupAtWork work, const QString& folder, FilingTimes& times) {
   QTemporaryDir home(folder + QStringLiteral("/filing-XXXXXX"));
   const QString target = home.filePath(QStringLiteral("target"));
@@ -424,26 +425,31 @@ void fileBeside(BackupAtWork work, const QString& folder, FilingTimes& times) {
     while (!backup.state().busy)
       QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
   }
-  for (int i = 0; i < kFiledPerRound; ++i) {
-    if (isRunning(work) && backup.queue().size() < kStillToCopy) break;
-    if (work != BackupAtWork::RunningUnannounced) {
-      serveEventsFor(kBetweenPhotos);
-      backup.rightOfWay().photoComes();
-      serveEventsFor(kDownload);
-    }
-    const QString download = home.filePath(QStringLiteral("IMG_%1.JPG").arg(i));
+  const auto fileNext = [&] {
+    const int number = filed;
+    const QString download = home.filePath(QStringLiteral("IMG_%1.JPG").arg(number));
     QFile file(download);
     require(file.open(QIODevice::WriteOnly) && file.write("photo") == 5, "no download");
     file.close();
     times.waking.push_back(millisecondsOf([&] { echo.call(); }));
     times.filing.push_back(millisecondsOf([&] {
       filer.handleDownloadedPath(download);
-      while (filed <= i)
+      while (filed == number)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }));
+    if (const auto pending = backup.pendingPhotos()) pending->settle(lastFiled);
+  };
+  for (int burst = 0; burst < kBurstsPerRound; ++burst) {
+    if (isRunning(work) && backup.queue().size() < kStillToCopy) break;
+    if (work != BackupAtWork::RunningUnannounced) {
+      serveEventsFor(kBetweenBursts);
+      backup.rightOfWay().photoComes();
+      serveEventsFor(kDownload);
+    }
+    for (int photo = 0; photo < kPhotosPerBurst; ++photo)
+      fileNext();
     require(!isRunning(work) || backup.state().busy, "the backup did not last as long as the filing");
     backup.rightOfWay().photosAreIn();
-    if (const auto pending = backup.pendingPhotos()) pending->settle(lastFiled);
   }
   // What is still being copied is not to meet the next round.
   backup.photosWillMove();
