@@ -443,13 +443,14 @@ void fileBeside(BackupAtWork work, const QString& folder, FilingTimes& times) {
     if (isRunning(work) && backup.queue().size() < kStillToCopy) break;
     if (work != BackupAtWork::RunningUnannounced) {
       serveEventsFor(kBetweenBursts);
-      backup.rightOfWay().photoComes();
+      backup.rightOfWay().photoAnnounced();
       serveEventsFor(kDownload);
+      backup.rightOfWay().photoArrived();
     }
     for (int photo = 0; photo < kPhotosPerBurst; ++photo)
       fileNext();
     require(!isRunning(work) || backup.state().busy, "the backup did not last as long as the filing");
-    backup.rightOfWay().photosAreIn();
+    backup.rightOfWay().photosAreFiled();
   }
   // What is still being copied is not to meet the next round.
   backup.photosWillMove();

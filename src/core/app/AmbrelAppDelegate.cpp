@@ -152,8 +152,8 @@ void AmbrelAppDelegate::connectSubsystems() {
   connect(&_camera, &CameraConnection::controlsStale, this, &AmbrelAppDelegate::updateControls);
   connect(&_camera, &CameraConnection::pillChanged, this, &AmbrelAppDelegate::updateControls);
   connect(&_camera, &CameraConnection::watchingConfirmed, this, &AmbrelAppDelegate::watchingConfirmed);
-  connect(&_camera, &CameraConnection::photoAnnounced, &_backup.rightOfWay(), &RightOfWay::photoComes);
-  connect(&_camera, &CameraConnection::downloaded, &_backup.rightOfWay(), &RightOfWay::photoComes);
+  connect(&_camera, &CameraConnection::photoAnnounced, &_backup.rightOfWay(), &RightOfWay::photoAnnounced);
+  connect(&_camera, &CameraConnection::downloaded, &_backup.rightOfWay(), &RightOfWay::photoArrived);
   connect(&_camera, &CameraConnection::downloaded, &_filer, &PhotoFiler::handleDownloadedPath);
 
   connect(&_filer, &PhotoFiler::filed, this, &AmbrelAppDelegate::photoFiled);
@@ -312,7 +312,7 @@ void AmbrelAppDelegate::photoNotFiled(const QString& message) {
 }
 
 void AmbrelAppDelegate::filingEnded() {
-  if (!_filer.hasQueued()) _backup.rightOfWay().photosAreIn();
+  if (!_filer.hasQueued()) _backup.rightOfWay().photosAreFiled();
 }
 
 // ---- Intents

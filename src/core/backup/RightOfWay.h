@@ -27,19 +27,24 @@ class RightOfWay : public QObject {
   RightOfWay(const RightOfWay&) = delete;
   RightOfWay& operator=(const RightOfWay&) = delete;
 
-  // The camera has announced a photo, or it is to be filed now.
-  void photoComes();
-  // Everything that has come is filed, or cannot be.
-  void photosAreIn();
+  // The camera has a photo, which is to be fetched now.
+  void photoAnnounced();
+  // A photo is here, and to be filed now.
+  void photoArrived();
+  // Every photo that is here is filed, or cannot be.
+  void photosAreFiled();
 
   // For the threads that copy; outlives this object.
   std::shared_ptr<const Gate> gate() const { return _gate; }
 
  private:
+  void shut();
+  void open();
   void letCopiesGo();
 
   Clock& _clock;
   const std::shared_ptr<Gate> _gate = std::make_shared<Gate>();
+  int _onTheirWay = 0;  // announced, and not here yet
   Clock::TimerId _shutTimer = Clock::kNoTimer;
   Clock::TimerId _openTimer = Clock::kNoTimer;
 };

@@ -684,10 +684,10 @@ TEST_F(BackupTest, BeginsNoCopyWhileAPhotoIsOnItsWayFromTheCamera) {
   bool wasOpen = false;
   files.callBefore(Operation::CopyToNew,
                    [&](const QString&, const QString&) { wasOpen = backup->rightOfWay().gate()->isOpen(); });
-  backup->rightOfWay().photoComes();
+  backup->rightOfWay().photoArrived();
   save("a.jpg");
   ASSERT_TRUE(untilBusy());
-  backup->rightOfWay().photosAreIn();
+  backup->rightOfWay().photosAreFiled();
   ASSERT_TRUE(untilEmpty());
   EXPECT_TRUE(wasOpen);
   EXPECT_EQ(copyOf("a.jpg"), "photo");

@@ -22,44 +22,75 @@ class RightOfWayTest : public ::testing::Test {
 
 TEST_F(RightOfWayTest, HoldsCopiesBackFromTheAnnouncementOfAPhotoUntilItIsFiled) {
   EXPECT_TRUE(copiesMayGo());
-  rightOfWay->photoComes();
+  rightOfWay->photoAnnounced();
   EXPECT_FALSE(copiesMayGo());
   clock.advance(RightOfWay::kLongest - 1ms);
+  rightOfWay->photoArrived();
   EXPECT_FALSE(copiesMayGo());
-  rightOfWay->photosAreIn();
+  rightOfWay->photosAreFiled();
   EXPECT_TRUE(copiesMayGo());
 }
 
-TEST_F(RightOfWayTest, LetsCopiesGoAfterAWhileWhenNothingComes) {
-  rightOfWay->photoComes();
+TEST_F(RightOfWayTest, HoldsCopiesBackForAPhotoThatNobodyHasAnnounced) {
+  rightOfWay->photoArrived();
+  EXPECT_FALSE(copiesMayGo());
+  rightOfWay->photosAreFiled();
+  EXPECT_TRUE(copiesMayGo());
+}
+
+TEST_F(RightOfWayTest, GoesOnHoldingCopiesBackWhileTheNextPhotoIsOnItsWay) {
+  rightOfWay->photoAnnounced();
+  rightOfWay->photoArrived();
+  rightOfWay->photoAnnounced();
+  rightOfWay->photosAreFiled();
+  EXPECT_FALSE(copiesMayGo());
+  rightOfWay->photoArrived();
+  rightOfWay->photosAreFiled();
+  EXPECT_TRUE(copiesMayGo());
+}
+
+TEST_F(RightOfWayTest, LetsCopiesGoAfterBothFilesOfAnExposure) {
+  rightOfWay->photoAnnounced();
+  rightOfWay->photoArrived();
+  rightOfWay->photoArrived();
+  rightOfWay->photosAreFiled();
+  EXPECT_TRUE(copiesMayGo());
+}
+
+TEST_F(RightOfWayTest, LetsCopiesGoAfterAWhileWhenNothingComesAndWaitsForItNoMore) {
+  rightOfWay->photoAnnounced();
   clock.advance(RightOfWay::kLongest);
+  EXPECT_TRUE(copiesMayGo());
+  clock.advance(RightOfWay::kLongest);
+  rightOfWay->photoArrived();
+  rightOfWay->photosAreFiled();
   EXPECT_TRUE(copiesMayGo());
 }
 
 TEST_F(RightOfWayTest, HoldsCopiesBackNoLongerForFurtherPhotos) {
-  rightOfWay->photoComes();
+  rightOfWay->photoAnnounced();
   clock.advance(RightOfWay::kLongest - 1ms);
-  rightOfWay->photoComes();
+  rightOfWay->photoAnnounced();
   clock.advance(1ms);
   EXPECT_TRUE(copiesMayGo());
 }
 
 TEST_F(RightOfWayTest, LeavesCopiesAsMuchTimeAsItHasTakenFromThem) {
-  rightOfWay->photoComes();
+  rightOfWay->photoAnnounced();
   clock.advance(RightOfWay::kLongest);
   clock.advance(RightOfWay::kLongest - 1ms);
-  rightOfWay->photoComes();
+  rightOfWay->photoAnnounced();
   EXPECT_TRUE(copiesMayGo());
   clock.advance(1ms);
-  rightOfWay->photoComes();
+  rightOfWay->photoAnnounced();
   EXPECT_FALSE(copiesMayGo());
 }
 
 TEST_F(RightOfWayTest, GivesThePhotoAfterAnEarlyOneItsWholeTime) {
-  rightOfWay->photoComes();
+  rightOfWay->photoArrived();
   clock.advance(RightOfWay::kLongest - 1ms);
-  rightOfWay->photosAreIn();
-  rightOfWay->photoComes();
+  rightOfWay->photosAreFiled();
+  rightOfWay->photoArrived();
   clock.advance(RightOfWay::kLongest - 1ms);
   EXPECT_FALSE(copiesMayGo());
   clock.advance(1ms);
@@ -67,7 +98,7 @@ TEST_F(RightOfWayTest, GivesThePhotoAfterAnEarlyOneItsWholeTime) {
 }
 
 TEST_F(RightOfWayTest, LeavesNobodyWaitingWhenItGoes) {
-  rightOfWay->photoComes();
+  rightOfWay->photoAnnounced();
   rightOfWay.reset();
   EXPECT_TRUE(copiesMayGo());
 }
