@@ -605,9 +605,10 @@ class Rival {
  private:
   void run() {
     std::unique_lock lock(_mutex);
-    for (QString last = kNothingYet;; last = _wanted) {
-      _changed.wait(lock, [&] { return _wanted != last; });
-      const QString path = _wanted;
+    QString path = kNothingYet;
+    for (;;) {
+      _changed.wait(lock, [&] { return _wanted != path; });
+      path = _wanted;
       if (path.isEmpty()) return;
       lock.unlock();
       QFile file(path);
