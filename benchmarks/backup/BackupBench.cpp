@@ -38,8 +38,8 @@ namespace {
 
 constexpr int kRounds = 4;
 constexpr int kQueued = 5'000;
-constexpr std::size_t kFilings = 1'600;  // of each kind at least
-constexpr int kPhotosPerBurst = 4;
+constexpr std::size_t kFilings = 4'800;  // of each kind at least
+constexpr int kPhotosPerBurst = 12;
 constexpr int kBurstsPerRound = 25;
 constexpr int kBusyPhotos = 240;
 constexpr qsizetype kStillToCopy = 20;  // so that a backup at work is one until the photo is filed
