@@ -6,6 +6,7 @@
 #include <QTemporaryDir>
 #include <QUrl>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <unistd.h>
 

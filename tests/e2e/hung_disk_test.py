@@ -16,21 +16,19 @@ import time
 
 from own_processes import skip_without_own_processes, start, wait_for
 
+WORKER = "ambrel_cpp_worker"
 LIST = "File Name,Notes,Captured,Marker\nAnna,front row,2,1\n"
 LONGEST = 2.0  # seconds
 OTHERS = 2.0  # what a machine with other work may take beyond that
 
 
-def child_of(process):
-    children = pathlib.Path(f"/proc/{process.pid}/task/{process.pid}/children").read_text(encoding="ascii").split()
-    return int(children[0]) if children else None
+def children_of(pid):
+    return [int(child) for child in pathlib.Path(f"/proc/{pid}/task/{pid}/children").read_text(encoding="ascii").split()]
 
 
-def has_worker(pid):
-    for child in pathlib.Path(f"/proc/{pid}/task/{pid}/children").read_text(encoding="ascii").split():
-        if "ambrel_cpp_worker".startswith(pathlib.Path(f"/proc/{child}/comm").read_text(encoding="ascii").strip()):
-            return True
-    return False
+def is_worker(pid):
+    name = pathlib.Path(f"/proc/{pid}/comm").read_text(encoding="ascii").strip()
+    return name == WORKER[:15]  # as much of it as the system keeps
 
 
 class Disk:
@@ -52,8 +50,8 @@ def quit_with(disk, word, program, home):
     disk.say("ok")
     process = start(program, home, LIST, **disk.environment)
     try:
-        pid = wait_for("the program", lambda: child_of(process))
-        wait_for("its worker, which is started last", lambda: has_worker(pid), gone=(OSError,))
+        pid = wait_for("the program", lambda: children_of(process.pid))[0]
+        wait_for("its worker, which is started last", lambda: any(map(is_worker, children_of(pid))), gone=(OSError,))
         disk.say(word)
         begun = time.monotonic()
         os.kill(pid, signal.SIGTERM)
